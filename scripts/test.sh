@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds QUORVEL and runs every test; then the same tests again
+# in a build with AddressSanitizer and UndefinedBehaviorSanitizer.
+#   scripts/test.sh            both builds
+#   scripts/test.sh --quick    the normal build only
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bash scripts/setup.sh
+
+jobs=$(nproc)
+run_suite() {
+    local dir=$1
+    shift
+    cmake -S . -B "$dir" -G Ninja -DQUORVEL_WERROR=ON "$@"
+    cmake --build "$dir" -j "$jobs"
+    ctest --test-dir "$dir" --output-on-failure -j "$jobs"
+}
+
+echo "== Build and test"
+run_suite build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+if [[ ${1:-} != "--quick" ]]; then
+    echo "== Build and test with AddressSanitizer and UndefinedBehaviorSanitizer"
+    export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+    run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DQUORVEL_SANITIZE=ON -DQUORVEL_BENCH=OFF
+fi
