@@ -1,0 +1,53 @@
+#pragma once
+
+#include "protocol/framebuffer.h"
+#include "protocol/message.h"
+
+#include <QObject>
+#include <functional>
+#include <unordered_map>
+
+// The receive side of the lobby connection (`receiveBuffer` and its dispatch loop): bytes are
+// appended as they arrive, every complete message in them is handed to the handler of its code,
+// in arrival order, within the same call.
+//
+// Handlers plug in per code. A code the client knows but has no handler for yet is consumed
+// whole and ignored; bytes that begin no known code are dropped one at a time until a code
+// comes to the front. A message with fewer fields than its code carries (a short message) is
+// dropped through its own terminator and its handler is not called, so a well-formed message
+// after it is still handled and nothing past that terminator is lost.
+//
+// "OV" ends the session: once its handler has run, nothing more is dispatched (the program is
+// ending) until `clear`.
+class LobbyDispatcher : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Handler = std::function<void(const protocol::Message &)>;
+
+    explicit LobbyDispatcher(QObject *parent = nullptr);
+
+    void setHandler(protocol::Code code, Handler handler);
+
+    // The data-arrival event: append and dispatch every complete message.
+    void receive(QByteArrayView bytes);
+
+    // Bytes received and not yet dispatched.
+    qsizetype pendingBytes() const { return m_buffer.size(); }
+    QByteArray pending() const { return m_buffer.pending().toByteArray(); }
+    bool isHalted() const { return m_halted; }
+    void clear();
+
+Q_SIGNALS:
+    // A message that carried fewer fields than its code needs was dropped.
+    void shortMessageDropped(protocol::Code code);
+
+private:
+    void dispatchPending();
+
+    protocol::FrameBuffer m_buffer{protocol::Direction::ToClient};
+    std::unordered_map<protocol::Code, Handler> m_handlers;
+    bool m_dispatching = false;
+    bool m_halted = false;
+};

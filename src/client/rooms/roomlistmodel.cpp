@@ -1,0 +1,102 @@
+#include "client/rooms/roomlistmodel.h"
+
+#include "client/app/icons.h"
+
+RoomListModel::RoomListModel(QObject *parent) : QStandardItemModel(0, ColumnCount, parent)
+{
+    setHorizontalHeaderLabels({QStringLiteral("Host"), QStringLiteral("Room name"),
+                               QStringLiteral("Ping"), QStringLiteral("Status"),
+                               QStringLiteral("Players"), QStringLiteral("Map")});
+    setSortRole(Qt::DisplayRole);
+}
+
+int RoomListModel::appendRow(const QStringList &columns, const QString &tag, IconIndex icon)
+{
+    QList<QStandardItem *> items;
+    items.reserve(ColumnCount);
+    for (int c = 0; c < ColumnCount; ++c) {
+        auto *item = new QStandardItem(columns.value(c));
+        item->setEditable(false);
+        items.append(item);
+    }
+    items[0]->setData(tag, TagRole);
+    items[0]->setData(int(icon), IconRole);
+    items[0]->setIcon(Icons::smallIcon(int(icon)));
+    QStandardItemModel::appendRow(items); // the model owns the items
+    const QPersistentModelIndex placed(index(rowCount() - 1, 0));
+    if (m_sorted)
+        resort();
+    return placed.row();
+}
+
+QString RoomListModel::text(int row, Column column) const
+{
+    return data(index(row, column)).toString();
+}
+
+void RoomListModel::setText(int row, Column column, const QString &text)
+{
+    setData(index(row, column), text);
+    if (m_sorted && column == m_sortColumn)
+        resort();
+}
+
+QString RoomListModel::tag(int row) const
+{
+    return data(index(row, 0), TagRole).toString();
+}
+
+RoomListModel::IconIndex RoomListModel::icon(int row) const
+{
+    return IconIndex(data(index(row, 0), IconRole).toInt());
+}
+
+void RoomListModel::setIcon(int row, IconIndex icon)
+{
+    setData(index(row, 0), int(icon), IconRole);
+    setData(index(row, 0), Icons::smallIcon(int(icon)), Qt::DecorationRole);
+    Q_EMIT iconChanged(row);
+}
+
+int RoomListModel::findRoomRow(const QString &host) const
+{
+    for (int r = 0; r < rowCount(); ++r) {
+        if (icon(r) != RunningGame && text(r, Host) == host)
+            return r;
+    }
+    return -1;
+}
+
+int RoomListModel::findRowByTag(const QString &address, bool runningGameOnly) const
+{
+    for (int r = 0; r < rowCount(); ++r) {
+        if (tag(r) == address && (!runningGameOnly || icon(r) == RunningGame))
+            return r;
+    }
+    return -1;
+}
+
+void RoomListModel::clearRows()
+{
+    removeRows(0, rowCount());
+}
+
+void RoomListModel::sortByHeader(int column)
+{
+    m_sorted = true;
+    if (column == m_lastClickedColumn)
+        m_order = m_order == Qt::DescendingOrder ? Qt::AscendingOrder : Qt::DescendingOrder;
+    m_sortColumn = column;
+    m_lastClickedColumn = column;
+    resort();
+}
+
+void RoomListModel::resort()
+{
+    sort(m_sortColumn, m_order);
+}
+
+QString padLeft8(const QString &text)
+{
+    return text.size() >= 8 ? text : QString(8 - text.size(), u' ') + text;
+}

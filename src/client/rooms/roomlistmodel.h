@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QStandardItemModel>
+
+// The room list `ListView1`: every open room and every running game that lobby players are
+// in. The rows are the only store of rooms; messages find a room row by its host's name and a
+// running-game row by its address.
+//
+// Six text columns. Column 0 also carries the row's hidden tag (the host's or game server's
+// dotted IPv4 address) and its icon index, which tells the kind of row.
+class RoomListModel : public QStandardItemModel
+{
+    Q_OBJECT
+
+public:
+    enum Column { Host = 0, RoomName, Ping, Status, Players, Map, ColumnCount };
+    enum IconIndex { OpenRoom = 2, LockedRoom = 3, RunningGame = 4 };
+    static constexpr int TagRole = Qt::UserRole + 1;  // on column 0: address
+    static constexpr int IconRole = Qt::UserRole + 2; // on column 0: IconIndex
+
+    explicit RoomListModel(QObject *parent = nullptr);
+
+    // Appends a row with the six column texts, its tag and icon; in sorted mode the row
+    // then moves to its place. Returns the row where it stands.
+    int appendRow(const QStringList &columns, const QString &tag, IconIndex icon);
+
+    QString text(int row, Column column) const;
+    void setText(int row, Column column, const QString &text);
+    QString tag(int row) const;
+    IconIndex icon(int row) const;
+    void setIcon(int row, IconIndex icon);
+
+    // The first row in display order whose column 0 is `host` exactly and which is not a
+    // running game; -1 when the room is unknown.
+    int findRoomRow(const QString &host) const;
+    // The first row in display order whose tag is `address`, of either kind when
+    // `runningGameOnly` is false; -1 when none.
+    int findRowByTag(const QString &address, bool runningGameOnly = false) const;
+
+    void clearRows();
+
+    // Sorting by a column header: the model itself is kept in display order, so lookups
+    // "in display order" are lookups in row order.
+    void sortByHeader(int column);
+    bool isSorted() const { return m_sorted; }
+    Qt::SortOrder sortOrder() const { return m_order; }
+    int sortKey() const { return m_sortColumn; }
+
+Q_SIGNALS:
+    // Emitted for every icon change, so that views can pick the picture of an index.
+    void iconChanged(int row);
+
+private:
+    void resort();
+
+    bool m_sorted = false;
+    Qt::SortOrder m_order = Qt::AscendingOrder;
+    int m_sortColumn = 0;        // the column of the current sort
+    int m_lastClickedColumn = 0; // both start at 0, so a first click on "Host" flips
+};
+
+// Right-aligns a text in eight characters so that numbers sort by value as text; a text of
+// eight or more characters is returned unchanged.
+QString padLeft8(const QString &text);
