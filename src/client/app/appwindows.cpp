@@ -1,0 +1,37 @@
+#include "client/app/appwindows.h"
+
+#include "client/app/plainwindow.h"
+#include "client/lobby/frmlogin.h"
+
+AppWindows::AppWindows(Factories factories, QObject *parent)
+    : QObject(parent), m_logIn(std::move(factories.logIn)), m_options(std::move(factories.options)),
+      m_room(std::move(factories.room)), m_menu(std::move(factories.menu)),
+      m_pager(std::move(factories.pager)), m_makeRoom(std::move(factories.makeRoom)),
+      m_gameInfo(std::move(factories.gameInfo))
+{
+}
+
+template <typename Window> void AppWindows::unload(WindowSlot<Window> &slot)
+{
+    if (Window *window = slot.loaded()) {
+        const QString name = window->objectName();
+        slot.unload();
+        Q_EMIT unloaded(name);
+    }
+}
+
+void AppWindows::unloadLogIn()
+{
+    unload(m_logIn);
+}
+
+void AppWindows::unloadAll()
+{
+    unload(m_pager);
+    unload(m_options);
+    unload(m_room);
+    unload(m_menu);
+    unload(m_logIn);
+    unload(m_makeRoom);
+    unload(m_gameInfo);
+}

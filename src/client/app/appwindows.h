@@ -1,0 +1,61 @@
+#pragma once
+
+#include "client/app/windowslot.h"
+
+#include <QObject>
+
+class FrmLogIn;
+class PlainWindow;
+
+// The program's windows besides the main window. Each exists at most once and is created the
+// first time it is touched, through its accessor; unloading destroys it, so the next touch
+// creates it again and runs its load step again.
+class AppWindows : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Factories
+    {
+        std::function<FrmLogIn *()> logIn;
+        std::function<QWidget *()> options;
+        std::function<PlainWindow *()> room;
+        std::function<PlainWindow *()> menu;
+        std::function<PlainWindow *()> pager;
+        std::function<PlainWindow *()> makeRoom;
+        std::function<QWidget *()> gameInfo;
+    };
+
+    explicit AppWindows(Factories factories, QObject *parent = nullptr);
+
+    FrmLogIn *frmLogIn() { return m_logIn.get(); }
+    QWidget *frmOptions() { return m_options.get(); }
+    PlainWindow *frmRoom() { return m_room.get(); }
+    PlainWindow *frmMenu() { return m_menu.get(); }
+    PlainWindow *frmPager() { return m_pager.get(); }
+    PlainWindow *frmMakeRoom() { return m_makeRoom.get(); }
+    QWidget *frmGameInfo() { return m_gameInfo.get(); }
+
+    bool isLoginLoaded() const { return m_logIn.isLoaded(); }
+    bool isRoomLoaded() const { return m_room.isLoaded(); }
+    void unloadLogIn();
+
+    // Unloads every window, in the shut-down order: pager, options, room, menu, login,
+    // create-room, game info.
+    void unloadAll();
+
+Q_SIGNALS:
+    // A loaded window was unloaded (its object name).
+    void unloaded(const QString &name);
+
+private:
+    template <typename Window> void unload(WindowSlot<Window> &slot);
+
+    WindowSlot<FrmLogIn> m_logIn;
+    WindowSlot<QWidget> m_options;
+    WindowSlot<PlainWindow> m_room;
+    WindowSlot<PlainWindow> m_menu;
+    WindowSlot<PlainWindow> m_pager;
+    WindowSlot<PlainWindow> m_makeRoom;
+    WindowSlot<QWidget> m_gameInfo;
+};

@@ -1,0 +1,163 @@
+#include "client/app/form1.h"
+
+#include "client/app/draghandle.h"
+#include "client/app/icons.h"
+#include "client/app/picturebutton.h"
+#include "client/app/splitterbar.h"
+
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QTreeView>
+
+namespace {
+constexpr int kListTop = 76;
+constexpr int kLeft = 10;
+constexpr int kLeftWidth = 560;
+constexpr int kSplitterHeight = 6;
+constexpr int kSendTop = 560;
+constexpr int kSendHeight = 28;
+} // namespace
+
+Form1::Form1(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
+{
+    setObjectName(QStringLiteral("Form1"));
+    setWindowTitle(QStringLiteral("QUORVEL"));
+    setFixedSize(kSize);
+    setWindowIcon(Icons::smallIcon(Icons::WindowOffline));
+
+    Label1 = new QLabel(QStringLiteral("QUORVEL"), this);
+    Label1->setObjectName(QStringLiteral("Label1"));
+    QFont titleFont = Label1->font();
+    titleFont.setPointSize(15);
+    titleFont.setBold(true);
+    titleFont.setLetterSpacing(QFont::AbsoluteSpacing, 2);
+    Label1->setFont(titleFont);
+    Label1->setGeometry(14, 4, 150, 30);
+
+    Label3 = new QLabel(QStringLiteral("V 6.0"), this);
+    Label3->setObjectName(QStringLiteral("Label3"));
+    Label3->setGeometry(168, 14, 60, 16);
+
+    Picture4 = makeButton("Picture4", QStringLiteral("hide"), tr("Hide to the notification area"),
+                          QRect(736, 6, 26, 26));
+    Picture2 = makeButton("Picture2", QStringLiteral("close"), tr("Close"), QRect(766, 6, 26, 26));
+
+    const int toolTop = 38;
+    picLogIn = makeButton("picLogIn", {}, tr("Log in / Log out"), QRect(kLeft, toolTop, 34, 34));
+    picLogIn->setPicture(Icons::smallIcon(Icons::LogInOffline));
+    picLogIn->setTag(QStringLiteral("OFFLINE"));
+    picOptions = makeButton("picOptions", QStringLiteral("options"), tr("Options"),
+                            QRect(kLeft + 40, toolTop, 34, 34));
+    picCreateRoom = makeButton("picCreateRoom", QStringLiteral("createroom"), tr("Create room"),
+                               QRect(kLeft + 80, toolTop, 34, 34));
+    picResetStats = makeButton("picResetStats", QStringLiteral("resetstats"),
+                               tr("Reset statistics"), QRect(kLeft + 120, toolTop, 34, 34));
+    picViewStats = makeButton("picViewStats", QStringLiteral("viewstats"), tr("View statistics"),
+                              QRect(kLeft + 160, toolTop, 34, 34));
+    picRefreshPings = makeButton("picRefreshPings", QStringLiteral("refreshpings"),
+                                 tr("Refresh pings"), QRect(kLeft + 200, toolTop, 34, 34));
+    picCreateRoom->hide();
+    picResetStats->hide();
+    picViewStats->hide();
+
+    ListView1 = new QTreeView(this);
+    ListView1->setObjectName(QStringLiteral("ListView1"));
+    ListView1->setRootIsDecorated(false);
+    ListView1->setUniformRowHeights(true);
+    ListView1->setGeometry(kLeft, kListTop, kLeftWidth, SplitterBar::kStartTop - kListTop);
+
+    ListView2 = new QTreeView(this);
+    ListView2->setObjectName(QStringLiteral("ListView2"));
+    ListView2->setGeometry(580, kListTop, 210, 514);
+
+    Picture1 = new SplitterBar(this);
+    Picture1->setObjectName(QStringLiteral("Picture1"));
+    Picture1->setGeometry(kLeft, SplitterBar::kStartTop, kLeftWidth, kSplitterHeight);
+    connect(Picture1, &SplitterBar::moved, this, &Form1::relayout);
+
+    txtChat = new QTextBrowser(this);
+    txtChat->setObjectName(QStringLiteral("txtChat"));
+    txtChat->setReadOnly(true);
+
+    txtChatSend = new QLineEdit(this);
+    txtChatSend->setObjectName(QStringLiteral("txtChatSend"));
+    txtChatSend->setText(QStringLiteral("Type message here and press ENTER"));
+    txtChatSend->setToolTip(QStringLiteral("Enter message and press ENTER"));
+    txtChatSend->setGeometry(kLeft, kSendTop, kLeftWidth - 36, kSendHeight);
+
+    Picture3 = makeButton("Picture3", QStringLiteral("send"), tr("Send"),
+                          QRect(kLeft + kLeftWidth - 32, kSendTop, 32, kSendHeight));
+    Picture3->setEnabled(false);
+
+    tmrReconnet = makeTimer("tmrReconnet", 20000);
+    Timer1 = makeTimer("Timer1", 10000);
+    tmrStatsReset = makeTimer("tmrStatsReset", 500);
+
+    connect(Picture2, &QAbstractButton::clicked, this, &QWidget::close);
+    connect(Picture4, &QAbstractButton::clicked, this, &Form1::hideRequested);
+    DragHandle::install(this, {Label1});
+
+    relayout();
+}
+
+PictureButton *Form1::makeButton(const char *name, const QString &picture, const QString &tip,
+                                 const QRect &geometry)
+{
+    auto *button = new PictureButton(this);
+    button->setObjectName(QLatin1String(name));
+    if (!picture.isEmpty())
+        button->setPicture(Icons::button(picture));
+    button->setToolTip(tip);
+    button->setGeometry(geometry);
+    button->setIconSize(geometry.size() - QSize(6, 6));
+    return button;
+}
+
+QTimer *Form1::makeTimer(const char *name, int intervalMs)
+{
+    auto *timer = new QTimer(this);
+    timer->setObjectName(QLatin1String(name));
+    timer->setInterval(intervalMs);
+    return timer;
+}
+
+void Form1::showAtNormalSize()
+{
+    resize(kSize);
+    show();
+    raise();
+    activateWindow();
+}
+
+void Form1::relayout()
+{
+    const int top = Picture1->y();
+    ListView1->setGeometry(ListView1->x(), ListView1->y(), ListView1->width(),
+                           top - ListView1->y());
+    const int chatTop = top + Picture1->height();
+    txtChat->setGeometry(kLeft, chatTop, kLeftWidth, txtChatSend->y() - top - 10);
+}
+
+void Form1::closeEvent(QCloseEvent *event)
+{
+    Q_EMIT unloading();
+    event->accept();
+}
+
+void Form1::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const QColor window = palette().color(QPalette::Window);
+    QLinearGradient header(0, 0, 0, kListTop);
+    header.setColorAt(0, window.darker(118));
+    header.setColorAt(1, window);
+    painter.fillRect(rect(), window);
+    painter.fillRect(QRect(0, 0, width(), kListTop - 4), header);
+    painter.setPen(window.darker(160));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}

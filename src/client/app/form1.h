@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QWidget>
+
+class PictureButton;
+class SplitterBar;
+class QLabel;
+class QLineEdit;
+class QTextBrowser;
+class QTimer;
+class QTreeView;
+
+// The main window: a borderless 800 x 600 window holding the room list, the player list, the
+// lobby chat and the tool buttons. It only lays out and shows its controls; the parts that
+// own a control's behaviour attach to it (the chat to `txtChat`, the room list to
+// `ListView1`...). Closing it (`Picture2`) raises `unloading`, which runs the shut-down.
+class Form1 : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr QSize kSize{800, 600};
+
+    explicit Form1(QWidget *parent = nullptr);
+
+    // Sets the window to its normal size and shows it.
+    void showAtNormalSize();
+    // Lays the lists and the chat out around the splitter `Picture1`.
+    void relayout();
+
+    // Controls, named as the rest of the program knows them.
+    QLabel *Label1;                 // title "QUORVEL"; dragging it moves the window
+    QLabel *Label3;                 // client version, sent on connecting
+    PictureButton *Picture2;        // close: ends the program
+    PictureButton *Picture4;        // hide to the notification area
+    PictureButton *picLogIn;        // log in / out; tag "ONLINE" / "OFFLINE"
+    PictureButton *picOptions;      // the options window
+    PictureButton *picCreateRoom;   // create a room; only while logged in
+    PictureButton *picResetStats;   // reset statistics; only while logged in
+    PictureButton *picViewStats;    // statistics page; tag holds the statistics id
+    PictureButton *picRefreshPings; // ping the running games again
+    PictureButton *Picture3;        // send the chat line
+    QTreeView *ListView1;           // rooms and running games
+    QTreeView *ListView2;           // players, grouped by what they do
+    QTextBrowser *txtChat;          // lobby chat
+    QLineEdit *txtChatSend;         // chat input
+    SplitterBar *Picture1;          // splitter between the room list and the chat
+    QTimer *tmrReconnet;            // reconnect after a drop, 20 s
+    QTimer *Timer1;                 // in-game detection and keep-alive, 10 s
+    QTimer *tmrStatsReset;          // statistics-reset hot key poll, 0.5 s
+
+Q_SIGNALS:
+    // The window is closing: the program shuts down.
+    void unloading();
+    void hideRequested();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    PictureButton *makeButton(const char *name, const QString &picture, const QString &tip,
+                              const QRect &geometry);
+    QTimer *makeTimer(const char *name, int intervalMs);
+};

@@ -1,0 +1,42 @@
+#include "client/app/plainwindow.h"
+
+#include "client/app/draghandle.h"
+#include "client/app/icons.h"
+#include "client/app/picturebutton.h"
+
+#include <QLabel>
+#include <QPainter>
+
+PlainWindow::PlainWindow(const QString &objectName, const QString &title, QSize size,
+                         QWidget *parent)
+    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
+{
+    setObjectName(objectName);
+    setWindowTitle(title);
+    resize(size);
+
+    Label2 = new QLabel(title, this);
+    Label2->setObjectName(QStringLiteral("Label2"));
+    QFont font = Label2->font();
+    font.setBold(true);
+    Label2->setFont(font);
+    Label2->setGeometry(10, 6, size.width() - 50, 20);
+
+    auto *close = new PictureButton(this);
+    close->setObjectName(QStringLiteral("closeButton"));
+    close->setPicture(Icons::button(QStringLiteral("close")));
+    close->setGeometry(size.width() - 28, 4, 22, 22);
+    connect(close, &QAbstractButton::clicked, this, &QWidget::close);
+
+    DragHandle::install(this, {Label2});
+}
+
+void PlainWindow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const QColor window = palette().color(QPalette::Window);
+    painter.fillRect(rect(), window);
+    painter.fillRect(QRect(0, 0, width(), 30), window.darker(115));
+    painter.setPen(window.darker(160));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}

@@ -1,0 +1,29 @@
+#include "client/app/sessionlooks.h"
+
+#include "client/app/form1.h"
+#include "client/app/icons.h"
+#include "client/app/picturebutton.h"
+#include "client/app/sessionstate.h"
+#include "client/platform/trayservice.h"
+
+SessionLooks::SessionLooks(Form1 &form, TrayService &tray, SessionState &session, QObject *parent)
+    : QObject(parent), m_form(form), m_tray(tray)
+{
+    connect(&session, &SessionState::onlineChanged, this, &SessionLooks::apply);
+}
+
+QString SessionLooks::trayTip(bool online)
+{
+    return online ? QStringLiteral("Logged In") : QStringLiteral("Logged out");
+}
+
+void SessionLooks::apply(bool online)
+{
+    m_form.picLogIn->setTag(online ? QStringLiteral("ONLINE") : QStringLiteral("OFFLINE"));
+    m_form.picLogIn->setPicture(
+        Icons::smallIcon(online ? Icons::LogInOnline : Icons::LogInOffline));
+    m_form.picCreateRoom->setVisible(online);
+    m_form.picResetStats->setVisible(online);
+    m_form.setWindowIcon(Icons::smallIcon(online ? Icons::WindowOnline : Icons::WindowOffline));
+    m_tray.modify(m_form.windowIcon(), trayTip(online));
+}

@@ -1,0 +1,68 @@
+#include "client/app/splitterbar.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+SplitterBar::SplitterBar(QWidget *parent) : QWidget(parent)
+{
+    setCursor(Qt::SplitVCursor);
+}
+
+void SplitterBar::moveTopTo(int top)
+{
+    move(x(), std::clamp(top, kMinTop, kMaxTop));
+    Q_EMIT moved(y());
+}
+
+void SplitterBar::stepByTag()
+{
+    if (m_tag == QLatin1String("1")) {
+        m_tag = QStringLiteral("2");
+        moveTopTo(kMinTop);
+    } else if (m_tag == QLatin1String("2")) {
+        m_tag = QStringLiteral("3");
+        moveTopTo(kStartTop);
+    } else if (m_tag == QLatin1String("3")) {
+        m_tag = QStringLiteral("1");
+        moveTopTo(kMaxTop);
+    } else {
+        Q_EMIT moved(y());
+    }
+}
+
+void SplitterBar::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_dragging = true;
+}
+
+void SplitterBar::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_dragging || !(event->buttons() & Qt::LeftButton))
+        return;
+    // The bar's top follows the mouse: its offset inside the bar is added to the top.
+    moveTopTo(y() + event->position().toPoint().y());
+}
+
+void SplitterBar::mouseReleaseEvent(QMouseEvent *)
+{
+    m_dragging = false;
+}
+
+void SplitterBar::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        stepByTag();
+}
+
+void SplitterBar::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const QColor base = palette().color(QPalette::Window).darker(115);
+    painter.fillRect(rect(), base);
+    painter.setPen(base.darker(130));
+    const int mid = width() / 2;
+    for (int dx = -12; dx <= 12; dx += 6)
+        painter.drawPoint(mid + dx, height() / 2);
+}

@@ -1,0 +1,32 @@
+#include "client/platform/datafolder.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+namespace DataFolder {
+
+std::optional<QString> path()
+{
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    if (base.isEmpty())
+        return std::nullopt;
+    return QDir(base).filePath(QStringLiteral("Quorvel"));
+}
+
+QString filePath(const QString &fileName)
+{
+    const std::optional<QString> folder = path();
+    return folder ? QDir(*folder).filePath(fileName) : QString();
+}
+
+bool ensureExists()
+{
+    const std::optional<QString> folder = path();
+    if (!folder)
+        return false;
+    // The result of creating it is not checked: a later read or write reports what fails.
+    QDir().mkpath(*folder);
+    return true;
+}
+
+} // namespace DataFolder

@@ -1,0 +1,26 @@
+#include "client/platform/soundplayer.h"
+
+#include <QFileInfo>
+#include <QSoundEffect>
+#include <QUrl>
+
+void EffectSoundPlayer::play(const QString &filePath)
+{
+    if (!QFileInfo(filePath).isFile())
+        return;
+    auto *effect = new QSoundEffect(this);
+    effect->setSource(QUrl::fromLocalFile(filePath));
+    // Once loaded it plays; it deletes itself when done or when the file cannot be decoded.
+    connect(effect, &QSoundEffect::statusChanged, effect, [effect] {
+        if (effect->status() == QSoundEffect::Ready)
+            effect->play();
+        else if (effect->status() == QSoundEffect::Error)
+            effect->deleteLater();
+    });
+    connect(effect, &QSoundEffect::playingChanged, effect, [effect] {
+        if (!effect->isPlaying() && effect->status() == QSoundEffect::Ready)
+            effect->deleteLater();
+    });
+    if (effect->status() == QSoundEffect::Ready)
+        effect->play();
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+// Plays a sound file asynchronously; a missing or unreadable file plays nothing (no default
+// sound) and reports nothing.
+class SoundPlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    virtual void play(const QString &filePath) = 0;
+};
+
+// Through QSoundEffect; each sound plays to its end, several may overlap.
+class EffectSoundPlayer final : public SoundPlayer
+{
+    Q_OBJECT
+
+public:
+    using SoundPlayer::SoundPlayer;
+    void play(const QString &filePath) override;
+};
