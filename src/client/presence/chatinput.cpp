@@ -1,0 +1,72 @@
+#include "client/presence/chatinput.h"
+
+#include "client/lobby/lobbyconnection.h"
+
+#include <QAbstractButton>
+#include <QKeyEvent>
+#include <QLineEdit>
+
+namespace {
+
+QString trimSpaces(const QString &text)
+{
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && text[begin] == u' ')
+        ++begin;
+    while (end > begin && text[end - 1] == u' ')
+        --end;
+    return text.sliced(begin, end - begin);
+}
+
+} // namespace
+
+QString ChatInput::hintText()
+{
+    return QStringLiteral("Type message here and press ENTER");
+}
+
+QString ChatInput::toolTipText()
+{
+    return QStringLiteral("Enter message and press ENTER");
+}
+
+ChatInput::ChatInput(QLineEdit *txtChatSend, QAbstractButton *sendButton,
+                     LobbyConnection &connection, SendRateGuard guard, QObject *parent)
+    : QObject(parent), m_input(txtChatSend), m_sendButton(sendButton), m_connection(connection),
+      m_guard(guard)
+{
+    txtChatSend->setText(hintText());
+    txtChatSend->setToolTip(toolTipText());
+    sendButton->setEnabled(false);
+    txtChatSend->installEventFilter(this);
+    connect(sendButton, &QAbstractButton::clicked, this, &ChatInput::send);
+}
+
+void ChatInput::send()
+{
+    if (!m_input)
+        return;
+    const QString line = trimSpaces(m_input->text());
+    if (line.isEmpty() || !m_guard.tryPass())
+        return;
+    m_connection.sendLobbyMessage(protocol::Code::ChatLine, {line});
+    m_input->clear();
+}
+
+bool ChatInput::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_input)
+        return false;
+    if (event->type() == QEvent::FocusIn && m_sendButton && !m_sendButton->isEnabled()) {
+        m_sendButton->setEnabled(true);
+        m_input->clear();
+    } else if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            send();
+            return true;
+        }
+    }
+    return false;
+}

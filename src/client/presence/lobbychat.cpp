@@ -1,0 +1,29 @@
+#include "client/presence/lobbychat.h"
+
+#include "client/lobby/lobbydispatcher.h"
+#include "client/presence/chatinput.h"
+
+LobbyChat::LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractButton *Picture3,
+                     LobbyConnection &connection, SessionState &session, const Clock &clock,
+                     QObject *parent, ChatBox::LinkOpener opener)
+    : QObject(parent), m_box(new ChatBox(txtChat, clock, std::move(opener), this)),
+      m_input(new ChatInput(txtChatSend, Picture3, connection, SendRateGuard(session, clock), this))
+{
+}
+
+void LobbyChat::registerHandler(LobbyDispatcher &dispatcher)
+{
+    dispatcher.setHandler(protocol::Code::ChatLine, [this](const protocol::Message &message) {
+        addChatLine(message.field(0), message.field(1), message.field(2));
+    });
+}
+
+void LobbyChat::addChatLine(const QString &name, const QString &colour, const QString &text)
+{
+    m_box->addChatLine(name, colour, text);
+}
+
+void LobbyChat::addStatusLine(const QString &text)
+{
+    addChatLine(statusSender(), QStringLiteral("0"), text);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "client/presence/chatbox.h"
+
+#include <QObject>
+
+class ChatInput;
+class Clock;
+class LobbyConnection;
+class LobbyDispatcher;
+class QAbstractButton;
+class QLineEdit;
+class QTextBrowser;
+class SessionState;
+
+// The lobby chat of the main window: the chat box `txtChat`, the input `txtChatSend` and the
+// send button `Picture3`. Lines from the server ("MD") and the program's own status lines all
+// go through `addChatLine`. The widgets belong to the window; this object only drives them.
+class LobbyChat : public QObject
+{
+    Q_OBJECT
+
+public:
+    // The sender name of the program's own status lines.
+    static QString statusSender() { return QStringLiteral("QUORVEL"); }
+
+    LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractButton *Picture3,
+              LobbyConnection &connection, SessionState &session, const Clock &clock,
+              QObject *parent = nullptr, ChatBox::LinkOpener opener = ChatBox::openWithSystem);
+
+    // Shows incoming "MD" lines.
+    void registerHandler(LobbyDispatcher &dispatcher);
+
+    // Appends one line; `colour` is the 0x00BBGGRR number as decimal text.
+    void addChatLine(const QString &name, const QString &colour, const QString &text);
+    // A status line of the program: "QUORVEL" in black.
+    void addStatusLine(const QString &text);
+
+    ChatInput &input() const { return *m_input; }
+
+private:
+    ChatBox *m_box;
+    ChatInput *m_input;
+};

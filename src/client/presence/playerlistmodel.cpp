@@ -1,0 +1,347 @@
+#include "client/presence/playerlistmodel.h"
+
+#include "client/app/icons.h"
+
+#include <QFont>
+#include <algorithm>
+
+struct PlayerListModel::Row
+{
+    std::array<QString, ColumnCount> texts;
+    int icon = 0;
+    bool bold = false;
+    QColor colour;
+    quint64 sequence = 0; // when the entry got its present code: orders entries of one code
+
+    const QString &code() const { return texts[PlayerStatus]; }
+};
+
+namespace {
+
+const QString kLobbyCode = QStringLiteral("9");
+const QString kPlayingCode = QStringLiteral("6");
+const QString kAwayCode = QStringLiteral("3");
+
+QString groupLabel(const QString &code, int count)
+{
+    if (code == kLobbyCode)
+        return QStringLiteral(" Lobby (%1)").arg(count);
+    if (code == kPlayingCode)
+        return QStringLiteral(" Playing (%1)").arg(count);
+    return QStringLiteral(" Away (%1)").arg(count);
+}
+
+} // namespace
+
+PlayerListModel::PlayerListModel(QObject *parent) : QAbstractTableModel(parent) {}
+
+PlayerListModel::~PlayerListModel() = default;
+
+int PlayerListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+int PlayerListModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant PlayerListModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const Row &row = rowAt(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.texts[std::size_t(index.column())];
+    case Qt::DecorationRole:
+        if (index.column() == Name)
+            return iconFor(row.icon);
+        return {};
+    case Qt::FontRole:
+        if (row.bold) {
+            QFont font;
+            font.setBold(true);
+            return font;
+        }
+        return {};
+    case Qt::ForegroundRole:
+        return row.colour.isValid() ? QVariant(row.colour) : QVariant();
+    default:
+        return {};
+    }
+}
+
+QVariant PlayerListModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    static const std::array<QString, ColumnCount> labels = {
+        QStringLiteral("Name"),    QStringLiteral("ipToGame"),      QStringLiteral("playerStatus"),
+        QStringLiteral("index"),   QStringLiteral("pictureLoaded"), QStringLiteral("message"),
+        QStringLiteral("vänTrue"), QStringLiteral("ipToPlayer"),    QStringLiteral("PingBild"),
+        QStringLiteral("File"),    QStringLiteral("epostHash")};
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= ColumnCount)
+        return {};
+    return labels[std::size_t(section)];
+}
+
+void PlayerListModel::clearList()
+{
+    beginResetModel();
+    m_rows.clear();
+    m_byName.clear();
+    m_codeCounts.clear();
+    m_gameAddressCounts.clear();
+    endResetModel();
+}
+
+void PlayerListModel::addGroupRows()
+{
+    const struct
+    {
+        const QString &code;
+        int icon;
+    } groups[] = {{kLobbyCode, Icons::LobbyGroup},
+                  {kPlayingCode, Icons::PlayingGroup},
+                  {kAwayCode, Icons::AwayGroup}};
+    for (const auto &group : groups) {
+        Entry entry;
+        entry.texts[Name] = groupLabel(group.code, 0);
+        entry.texts[PlayerStatus] = group.code;
+        entry.icon = group.icon;
+        entry.bold = true;
+        addEntry(std::move(entry));
+    }
+}
+
+int PlayerListModel::addEntry(Entry entry)
+{
+    auto row = std::make_unique<Row>();
+    row->texts = std::move(entry.texts);
+    row->icon = entry.icon;
+    row->bold = entry.bold;
+    row->colour = entry.colour;
+    row->sequence = m_nextSequence++;
+
+    const int at = insertionRow(row->code());
+    beginInsertRows(QModelIndex(), at, at);
+    track(*row, +1);
+    m_byName[row->texts[Name]].append(row.get());
+    m_rows.insert(m_rows.begin() + at, std::move(row));
+    endInsertRows();
+    return at;
+}
+
+void PlayerListModel::removeEntry(int row)
+{
+    if (row < 0 || row >= rowCount())
+        return;
+    beginRemoveRows(QModelIndex(), row, row);
+    Row *gone = m_rows[std::size_t(row)].get();
+    track(*gone, -1);
+    const auto named = m_byName.find(gone->texts[Name]);
+    named->removeOne(gone);
+    if (named->isEmpty())
+        m_byName.erase(named);
+    m_rows.erase(m_rows.begin() + row);
+    endRemoveRows();
+}
+
+int PlayerListModel::findEntry(const QString &name) const
+{
+    const auto named = m_byName.constFind(name);
+    if (named == m_byName.constEnd())
+        return -1;
+    // Duplicates are rare: the first in display order is the one with the smallest row.
+    int first = -1;
+    for (const Row *row : *named) {
+        const int at = rowOf(row);
+        if (first < 0 || at < first)
+            first = at;
+    }
+    return first;
+}
+
+QString PlayerListModel::text(int row, Column column) const
+{
+    if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount)
+        return {};
+    return rowAt(row).texts[std::size_t(column)];
+}
+
+void PlayerListModel::setText(int row, Column column, const QString &text)
+{
+    if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount)
+        return;
+    Row &entry = rowAt(row);
+    if (entry.texts[std::size_t(column)] == text)
+        return;
+    switch (column) {
+    case Name:
+        setName(row, text);
+        return;
+    case PlayerStatus:
+        setCode(row, text);
+        return;
+    case IpToGame:
+        track(entry, -1);
+        entry.texts[IpToGame] = text;
+        track(entry, +1);
+        break;
+    default:
+        entry.texts[std::size_t(column)] = text;
+        break;
+    }
+    emitRowChanged(row, column, column, {Qt::DisplayRole, Qt::EditRole});
+}
+
+bool PlayerListModel::isBold(int row) const
+{
+    return row >= 0 && row < rowCount() && rowAt(row).bold;
+}
+
+void PlayerListModel::setBold(int row, bool bold)
+{
+    if (row < 0 || row >= rowCount() || rowAt(row).bold == bold)
+        return;
+    rowAt(row).bold = bold;
+    emitRowChanged(row, 0, ColumnCount - 1, {Qt::FontRole});
+}
+
+int PlayerListModel::icon(int row) const
+{
+    return row >= 0 && row < rowCount() ? rowAt(row).icon : 0;
+}
+
+void PlayerListModel::setIcon(int row, int icon)
+{
+    if (row < 0 || row >= rowCount() || rowAt(row).icon == icon)
+        return;
+    rowAt(row).icon = icon;
+    emitRowChanged(row, Name, Name, {Qt::DecorationRole});
+}
+
+QColor PlayerListModel::textColour(int row) const
+{
+    return row >= 0 && row < rowCount() ? rowAt(row).colour : QColor();
+}
+
+void PlayerListModel::countPlayers()
+{
+    for (const QString *code : {&kLobbyCode, &kPlayingCode, &kAwayCode}) {
+        const Group group = *code == kLobbyCode     ? Group::Lobby
+                            : *code == kPlayingCode ? Group::Playing
+                                                    : Group::Away;
+        const QString label = groupLabel(*code, groupCount(group));
+        // The rows of one code stand together; renaming them does not move them.
+        const auto first = std::partition_point(m_rows.begin(), m_rows.end(),
+                                                [&](const auto &r) { return r->code() > *code; });
+        for (auto it = first; it != m_rows.end() && (*it)->code() == *code; ++it)
+            setName(int(it - m_rows.begin()), label);
+    }
+}
+
+int PlayerListModel::groupCount(Group group) const
+{
+    const auto count = [this](const char *code) {
+        return m_codeCounts.value(QString::fromLatin1(code));
+    };
+    switch (group) {
+    case Group::Lobby:
+        return count("7") + count("8");
+    case Group::Playing:
+        return count("4") + count("5");
+    case Group::Away:
+        return count("1") + count("2");
+    }
+    return 0;
+}
+
+bool PlayerListModel::hasGameAddress(const QString &address) const
+{
+    return !address.isEmpty() && m_gameAddressCounts.contains(address);
+}
+
+int PlayerListModel::rowOf(const Row *row) const
+{
+    const QString &code = row->code();
+    const auto at = std::partition_point(m_rows.begin(), m_rows.end(), [&](const auto &r) {
+        return r->code() > code || (r->code() == code && r->sequence < row->sequence);
+    });
+    Q_ASSERT(at != m_rows.end() && at->get() == row);
+    return int(at - m_rows.begin());
+}
+
+int PlayerListModel::insertionRow(const QString &code) const
+{
+    // After every entry whose code is greater or equal: the end of the code's group.
+    const auto at = std::partition_point(m_rows.begin(), m_rows.end(),
+                                         [&](const auto &r) { return r->code() >= code; });
+    return int(at - m_rows.begin());
+}
+
+void PlayerListModel::setCode(int from, const QString &code)
+{
+    const int beforeMove = insertionRow(code);
+    const int to = beforeMove > from ? beforeMove - 1 : beforeMove;
+    Row &entry = rowAt(from);
+    const bool moves = to != from;
+    if (moves)
+        beginMoveRows(QModelIndex(), from, from, QModelIndex(), to > from ? to + 1 : to);
+    track(entry, -1);
+    entry.texts[PlayerStatus] = code;
+    entry.sequence = m_nextSequence++;
+    track(entry, +1);
+    const auto at = m_rows.begin();
+    if (to > from)
+        std::rotate(at + from, at + from + 1, at + to + 1);
+    else if (to < from)
+        std::rotate(at + to, at + from, at + from + 1);
+    if (moves)
+        endMoveRows();
+    emitRowChanged(to, PlayerStatus, PlayerStatus, {Qt::DisplayRole, Qt::EditRole});
+}
+
+void PlayerListModel::setName(int row, const QString &name)
+{
+    Row *entry = m_rows[std::size_t(row)].get();
+    if (entry->texts[Name] == name)
+        return;
+    const auto named = m_byName.find(entry->texts[Name]);
+    named->removeOne(entry);
+    if (named->isEmpty())
+        m_byName.erase(named);
+    entry->texts[Name] = name;
+    m_byName[name].append(entry);
+    emitRowChanged(row, Name, Name, {Qt::DisplayRole, Qt::EditRole});
+}
+
+void PlayerListModel::track(const Row &row, int delta)
+{
+    const auto adjust = [delta](QHash<QString, int> &counts, const QString &key) {
+        const int n = counts.value(key) + delta;
+        if (n > 0)
+            counts.insert(key, n);
+        else
+            counts.remove(key);
+    };
+    adjust(m_codeCounts, row.code());
+    if (!row.texts[IpToGame].isEmpty())
+        adjust(m_gameAddressCounts, row.texts[IpToGame]);
+}
+
+void PlayerListModel::emitRowChanged(int row, int firstColumn, int lastColumn,
+                                     const QList<int> &roles)
+{
+    Q_EMIT dataChanged(index(row, firstColumn), index(row, lastColumn), roles);
+}
+
+QIcon PlayerListModel::iconFor(int index) const
+{
+    auto cached = m_icons.find(index);
+    if (cached == m_icons.end())
+        cached = m_icons.insert(index, Icons::smallIcon(index));
+    return *cached;
+}

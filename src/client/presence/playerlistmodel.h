@@ -1,0 +1,113 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QColor>
+#include <QHash>
+#include <QIcon>
+#include <array>
+#include <memory>
+#include <vector>
+
+// The player list `ListView2`: three group rows (lobby, playing, away) and one entry per
+// announced player. It is the client's only store of what it knows about other players; every
+// per-player value is a text column, found by the player's exact name.
+//
+// Eleven text columns; only "Name" is meant to be shown, the other ten are the per-entry fields.
+// Each entry also has a small-icon index (1..11 of Icons), a bold flag and an optional text
+// colour.
+//
+// The model is always in display order: sorted on `playerStatus` as text, descending. Entries
+// with the same code keep the order in which they got that code (an entry whose code changes
+// goes to the end of its new group). Keeping the order on every change, instead of sorting the
+// whole list afterwards, makes announcing n players cost O(n log n) plus moving row pointers.
+class PlayerListModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column {
+        Name = 0,
+        IpToGame,      // address of the game server the player is in, "" when none
+        PlayerStatus,  // status code "1".."9" (see below), "" when unknown
+        Index,         // the player's numeric id, decimal text
+        PictureLoaded, // "0" until the avatar is loaded
+        Message,       // "1" while a private message from the player is unread
+        VanTrue,       // `vänTrue`: "1" for a buddy, else "0"
+        IpToPlayer,    // never written
+        PingBild,      // the entry's normal icon index
+        File,          // never written
+        EpostHash,     // the player's e-mail hash, the avatar key
+        ColumnCount
+    };
+
+    // Status codes: 9/6/3 are the lobby/playing/away group rows; 8/5/2 buddies and 7/4/1 other
+    // players in the lobby/in a game/away.
+    enum class Group { Lobby, Playing, Away };
+
+    static constexpr QRgb kHighlightColour = 0xFF8000; // orange, RGB(255, 128, 0)
+
+    // What a new entry holds; columns left empty stay "".
+    struct Entry
+    {
+        std::array<QString, ColumnCount> texts;
+        int icon = 0;
+        bool bold = false;
+        QColor colour; // invalid: the view's default colour
+    };
+
+    explicit PlayerListModel(QObject *parent = nullptr);
+    ~PlayerListModel() override;
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
+
+    // Empties the list (the connect step, before it adds the group rows).
+    void clearList();
+    // Appends the three group rows " Lobby (0)", " Playing (0)", " Away (0)".
+    void addGroupRows();
+
+    // Adds an entry at its place in the order; returns its row.
+    int addEntry(Entry entry);
+    void removeEntry(int row);
+
+    // The first row in display order whose name is `name` exactly; -1 when none.
+    int findEntry(const QString &name) const;
+
+    QString text(int row, Column column) const;
+    // Changing `playerStatus` moves the entry to its place in the order.
+    void setText(int row, Column column, const QString &text);
+    bool isBold(int row) const;
+    void setBold(int row, bool bold);
+    int icon(int row) const;
+    void setIcon(int row, int icon);
+    QColor textColour(int row) const;
+
+    // Rewrites the texts of the group rows from the entries' codes.
+    void countPlayers();
+    // The number of entries whose code puts them in `group` (what `countPlayers` shows).
+    int groupCount(Group group) const;
+    // Whether any entry has `address` as its `ipToGame` (so a running game still has players).
+    bool hasGameAddress(const QString &address) const;
+
+private:
+    struct Row;
+
+    Row &rowAt(int row) const { return *m_rows[std::size_t(row)]; }
+    int rowOf(const Row *row) const;
+    int insertionRow(const QString &code) const;
+    void setCode(int row, const QString &code);
+    void setName(int row, const QString &name);
+    void track(const Row &row, int delta);
+    void emitRowChanged(int row, int firstColumn, int lastColumn, const QList<int> &roles = {});
+    QIcon iconFor(int index) const;
+
+    std::vector<std::unique_ptr<Row>> m_rows; // display order
+    QHash<QString, QList<Row *>> m_byName;    // every entry under its name
+    QHash<QString, int> m_codeCounts;         // entries per status code
+    QHash<QString, int> m_gameAddressCounts;  // entries per non-empty ipToGame
+    quint64 m_nextSequence = 0;
+    mutable QHash<int, QIcon> m_icons;
+};

@@ -1,0 +1,10 @@
+#include "client/presence/presence.h"
+
+#include "client/lobby/lobbyconnection.h"
+
+bool sendPresence(LobbyConnection &connection, Presence state, const QString &gameAddress)
+{
+    return connection.sendLobbyMessage(
+        protocol::Code::PlayerStatus,
+        {QString::number(int(state)), state == Presence::Playing ? gameAddress : QString()});
+}

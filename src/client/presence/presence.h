@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+class LobbyConnection;
+
+// The user's own state as the lobby sees it.
+enum class Presence {
+    Away = 1,    // the main window is hidden to the notification area
+    Playing = 2, // the user's game runs; a game address goes with it
+    Lobby = 3,
+};
+
+// Tells the lobby the user's state: "PS" with the state and, for `Presence::Playing` only,
+// the game address (empty otherwise). Dropped silently while not connected; true when sent.
+// Whether to send at all (connected, not in a game) is the caller's rule.
+bool sendPresence(LobbyConnection &connection, Presence state, const QString &gameAddress = {});

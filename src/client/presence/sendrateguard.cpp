@@ -1,0 +1,31 @@
+#include "client/presence/sendrateguard.h"
+
+#include "client/app/clock.h"
+#include "client/app/sessionstate.h"
+
+namespace {
+
+QDateTime toWholeSeconds(QDateTime time)
+{
+    const QTime t = time.time();
+    time.setTime(QTime(t.hour(), t.minute(), t.second()));
+    return time;
+}
+
+} // namespace
+
+SendRateGuard::SendRateGuard(SessionState &session, const Clock &clock)
+    : m_session(session), m_clock(clock)
+{
+}
+
+bool SendRateGuard::tryPass()
+{
+    const QDateTime now = toWholeSeconds(m_clock.now());
+    const QDateTime last = m_session.textSendTime;
+    // An unset time (nothing sent, start-up not done) lets the first send through.
+    if (last.isValid() && toWholeSeconds(last).secsTo(now) <= kIntervalSeconds)
+        return false;
+    m_session.textSendTime = now;
+    return true;
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+class Clock;
+class SessionState;
+
+// The one guard that lobby chat and private messages share: at most one accepted send per
+// more than three seconds, counted in whole seconds from `SessionState::textSendTime`.
+class SendRateGuard
+{
+public:
+    static constexpr int kIntervalSeconds = 3;
+
+    SendRateGuard(SessionState &session, const Clock &clock);
+
+    // True when more than three seconds have passed since the last accepted send; the send
+    // is then accepted and the guard starts again from now. False changes nothing.
+    bool tryPass();
+
+private:
+    SessionState &m_session;
+    const Clock &m_clock;
+};

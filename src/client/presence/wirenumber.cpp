@@ -1,0 +1,17 @@
+#include "client/presence/wirenumber.h"
+
+#include <cmath>
+
+std::optional<double> readWholeNumber(const QString &text)
+{
+    bool ok = false;
+    const double value = text.toDouble(&ok);
+    if (!ok || !std::isfinite(value))
+        return std::nullopt;
+    return std::floor(value) + 0.0; // + 0.0 turns -0 into 0
+}
+
+QString wholeNumberText(double value)
+{
+    return QString::number(value, 'f', 0);
+}
