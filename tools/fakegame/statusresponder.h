@@ -1,0 +1,28 @@
+#pragma once
+
+#include "serverinfo.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QUdpSocket>
+
+// Answers every "\status\" datagram on its UDP port with the server's status reply, to the
+// sender's address and port; other datagrams get no answer.
+class StatusResponder : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit StatusResponder(ServerInfo info, QObject *parent = nullptr);
+
+    bool listen(const QHostAddress &address, quint16 port);
+    quint16 port() const { return m_socket.localPort(); }
+    QString errorString() const { return m_socket.errorString(); }
+
+private:
+    void answer();
+
+    ServerInfo m_info;
+    QUdpSocket m_socket;
+    int m_queries = 0;
+};
