@@ -1,0 +1,113 @@
+#include "client/app/appwindows.h"
+#include "client/app/clientapplication.h"
+#include "client/app/clock.h"
+#include "client/app/form1.h"
+#include "client/app/picturebutton.h"
+#include "client/app/plainwindow.h"
+#include "client/app/sessionstate.h"
+#include "client/lobby/frmlogin.h"
+#include "client/lobby/lobbyconnection.h"
+#include "fakes.h"
+
+#include <QDir>
+#include <QLineEdit>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTest>
+
+class TestClientApplication : public QObject
+{
+    Q_OBJECT
+
+private:
+    FakeTray m_tray;
+    RecordingPlayer m_player;
+    ManualClock m_clock{QDateTime(QDate(2026, 11, 23), QTime(20, 15, 7))};
+
+    ClientApplication::Services services() { return {&m_tray, &m_player, &m_clock}; }
+
+private Q_SLOTS:
+    void startUp()
+    {
+        ClientApplication app(services(), ServerAddresses{});
+        QVERIFY(app.start());
+        const QString folder =
+            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+            QStringLiteral("/Quorvel");
+        QVERIFY(QDir(folder).exists());
+        QVERIFY(app.form().isVisible());
+        QCOMPARE(app.form().size(), QSize(800, 600));
+        QVERIFY(m_tray.shown);
+        QCOMPARE(m_tray.tip, QStringLiteral("Logged out"));
+        QCOMPARE(app.session().textSendTime, m_clock.now());
+        QCOMPARE(app.session().lobbyServerHost, QStringLiteral("localhost"));
+        QCOMPARE(app.session().lobbyPort, quint16(20000));
+        QCOMPARE(app.session().webHost, QStringLiteral("localhost"));
+        QCOMPARE(app.form().picLogIn->tag(), QStringLiteral("OFFLINE"));
+        QVERIFY(!app.form().picCreateRoom->isVisible());
+        QVERIFY(!app.connection().isConnected());
+    }
+
+    void windowsExistOnceAndReloadAfterUnload()
+    {
+        ClientApplication app(services(), ServerAddresses{});
+        AppWindows &windows = app.windows();
+        QVERIFY(!windows.isRoomLoaded());
+        PlainWindow *room = windows.frmRoom();
+        QVERIFY(windows.isRoomLoaded());
+        QCOMPARE(windows.frmRoom(), room);
+        QPointer<PlainWindow> old(room);
+        windows.unloadAll();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(old.isNull());
+        QVERIFY(!windows.isRoomLoaded());
+        QVERIFY(windows.frmRoom() != nullptr);
+    }
+
+    void loginWindowReadsUserFileWhenCreated()
+    {
+        ClientApplication app(services(), ServerAddresses{});
+        QVERIFY(app.start());
+        FrmLogIn *window = app.windows().frmLogIn();
+        window->txtName->setText(QStringLiteral("typed"));
+        // Closing without Login forgets what was typed.
+        window->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!app.windows().isLoginLoaded());
+        QVERIFY(app.windows().frmLogIn()->txtName->text().isEmpty());
+    }
+
+    void shutDownUnloadsInOrder()
+    {
+        auto app = std::make_unique<ClientApplication>(services(), ServerAddresses{});
+        QVERIFY(app->start());
+        AppWindows &windows = app->windows();
+        // Touch them in another order than the shut-down's.
+        windows.frmGameInfo();
+        windows.frmLogIn();
+        windows.frmRoom();
+        QPointer<QWidget> pager(windows.frmPager());
+        pager->show();
+        windows.frmOptions();
+        QSignalSpy unloaded(&windows, &AppWindows::unloaded);
+        QSignalSpy finished(app.get(), &ClientApplication::shutDownFinished);
+
+        QTest::mouseClick(app->form().Picture2, Qt::LeftButton);
+
+        QCOMPARE(finished.count(), 1);
+        QVERIFY(app->session().exitPager);
+        QStringList order;
+        for (const QList<QVariant> &args : unloaded)
+            order << args.at(0).toString();
+        QCOMPARE(order,
+                 (QStringList{"frmPager", "frmOptions", "frmRoom", "frmLogIn", "frmGameInfo"}));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY2(pager.isNull(), "the pager is destroyed, not hidden");
+        QVERIFY(!m_tray.shown);
+        QVERIFY(!app->form().isVisible());
+    }
+};
+
+QTEST_MAIN(TestClientApplication)
+#include "tst_clientapplication.moc"

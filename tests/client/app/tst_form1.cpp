@@ -1,0 +1,159 @@
+#include "client/app/form1.h"
+#include "client/app/picturebutton.h"
+#include "client/app/sessionlooks.h"
+#include "client/app/sessionstate.h"
+#include "client/app/splitterbar.h"
+#include "fakes.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QTreeView>
+
+class TestForm1 : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void controlsExistByName_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("className");
+        const QList<std::pair<const char *, const char *>> controls = {
+            {"Label1", "QLabel"},
+            {"Label3", "QLabel"},
+            {"Picture2", "PictureButton"},
+            {"Picture4", "PictureButton"},
+            {"picLogIn", "PictureButton"},
+            {"picOptions", "PictureButton"},
+            {"picCreateRoom", "PictureButton"},
+            {"picResetStats", "PictureButton"},
+            {"picViewStats", "PictureButton"},
+            {"picRefreshPings", "PictureButton"},
+            {"Picture3", "PictureButton"},
+            {"ListView1", "QTreeView"},
+            {"ListView2", "QTreeView"},
+            {"txtChat", "QTextBrowser"},
+            {"txtChatSend", "QLineEdit"},
+            {"Picture1", "SplitterBar"},
+            {"tmrReconnet", "QTimer"},
+            {"Timer1", "QTimer"},
+            {"tmrStatsReset", "QTimer"},
+        };
+        for (const auto &[name, className] : controls)
+            QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(className);
+    }
+    void controlsExistByName()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, className);
+        Form1 form;
+        QObject *control = form.findChild<QObject *>(name);
+        QVERIFY2(control, qPrintable(name));
+        QCOMPARE(QString::fromLatin1(control->metaObject()->className()), className);
+    }
+
+    void startsAsSpecified()
+    {
+        Form1 form;
+        QCOMPARE(form.size(), QSize(800, 600));
+        QCOMPARE(form.Label1->text(), QStringLiteral("QUORVEL"));
+        QCOMPARE(form.Label3->text(), QStringLiteral("V 6.0"));
+        QCOMPARE(form.picLogIn->tag(), QStringLiteral("OFFLINE"));
+        QCOMPARE(form.Picture1->tag(), QStringLiteral("2"));
+        QCOMPARE(form.Picture1->y(), 289);
+        QVERIFY(!form.Picture3->isEnabled());
+        const QList<std::pair<QTimer *, int>> timers = {
+            {form.tmrReconnet, 20000}, {form.Timer1, 10000}, {form.tmrStatsReset, 500}};
+        for (const auto &[timer, interval] : timers) {
+            QCOMPARE(timer->interval(), interval);
+            QVERIFY(!timer->isActive());
+        }
+    }
+
+    void looksFollowTheLoggedInFlag()
+    {
+        Form1 form;
+        FakeTray tray;
+        SessionState session;
+        SessionLooks looks(form, tray, session);
+        form.show();
+        form.picViewStats->setVisible(true);
+
+        session.setOnline(true);
+        QCOMPARE(form.picLogIn->tag(), QStringLiteral("ONLINE"));
+        QVERIFY(form.picCreateRoom->isVisible());
+        QVERIFY(form.picResetStats->isVisible());
+        QCOMPARE(tray.tip, QStringLiteral("Logged In"));
+
+        session.setOnline(false);
+        QCOMPARE(form.picLogIn->tag(), QStringLiteral("OFFLINE"));
+        QVERIFY(!form.picCreateRoom->isVisible());
+        QVERIFY(!form.picResetStats->isVisible());
+        QVERIFY(form.picViewStats->isVisible()); // keeps its state
+        QCOMPARE(tray.tip, QStringLiteral("Logged out"));
+        QCOMPARE(tray.modifications, 2);
+    }
+
+    void offlineAtCreation()
+    {
+        Form1 form;
+        form.show();
+        QVERIFY(!form.picCreateRoom->isVisible());
+        QVERIFY(!form.picResetStats->isVisible());
+        QVERIFY(form.picLogIn->isVisible());
+    }
+
+    void splitterDragIsClamped_data()
+    {
+        QTest::addColumn<int>("mouseY"); // inside the bar, relative to its top
+        QTest::addColumn<int>("top");
+        QTest::newRow("down a little") << 20 << 309;
+        QTest::newRow("up a little") << -40 << 249;
+        QTest::newRow("above the limit") << -400 << 80;
+        QTest::newRow("below the limit") << 500 << 548;
+    }
+    void splitterDragIsClamped()
+    {
+        QFETCH(int, mouseY);
+        QFETCH(int, top);
+        Form1 form;
+        form.show();
+        SplitterBar *bar = form.Picture1;
+        QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(10, 2));
+        QMouseEvent move(QEvent::MouseMove, QPointF(10, mouseY),
+                         bar->mapToGlobal(QPointF(10, mouseY)), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QCoreApplication::sendEvent(bar, &move);
+        QTest::mouseRelease(bar, Qt::LeftButton, {}, QPoint(10, 2));
+        QCOMPARE(bar->y(), top);
+        // The lists follow the bar.
+        QCOMPARE(form.ListView1->y() + form.ListView1->height(), top);
+        QCOMPARE(form.txtChat->y(), top + bar->height());
+        QCOMPARE(form.txtChat->height(), form.txtChatSend->y() - top - 10);
+    }
+
+    void splitterDoubleClickCycles()
+    {
+        Form1 form;
+        form.show();
+        SplitterBar *bar = form.Picture1;
+        const QList<std::pair<int, QString>> steps = {
+            {289, "3"}, {548, "1"}, {80, "2"}, {289, "3"}};
+        for (const auto &[top, tag] : steps) {
+            QTest::mouseDClick(bar, Qt::LeftButton, {}, QPoint(5, 2));
+            QCOMPARE(bar->y(), top);
+            QCOMPARE(bar->tag(), tag);
+            QCOMPARE(form.ListView1->height(), top - form.ListView1->y());
+        }
+        bar->setTag(QStringLiteral("x"));
+        QTest::mouseDClick(bar, Qt::LeftButton, {}, QPoint(5, 2));
+        QCOMPARE(bar->y(), 289);
+        QCOMPARE(bar->tag(), QStringLiteral("x"));
+    }
+};
+
+QTEST_MAIN(TestForm1)
+#include "tst_form1.moc"

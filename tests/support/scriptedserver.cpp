@@ -1,0 +1,56 @@
+#include "scriptedserver.h"
+
+#include <QTest>
+
+ScriptedServer::ScriptedServer(QObject *parent) : QObject(parent)
+{
+    m_server.listen(QHostAddress::LocalHost);
+    connect(&m_server, &QTcpServer::newConnection, this, [this] {
+        while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+            if (m_client)
+                m_client->deleteLater();
+            m_client = socket;
+            m_received.clear();
+            ++m_connections;
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+                if (socket == m_client)
+                    m_received += socket->readAll();
+            });
+        }
+    });
+}
+
+bool ScriptedServer::expect(const QByteArray &bytes, int timeoutMs)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (m_received.size() < bytes.size() && !deadline.hasExpired())
+        QTest::qWait(5);
+    if (!m_received.startsWith(bytes)) {
+        qWarning() << "expected" << bytes << "received" << m_received;
+        return false;
+    }
+    m_received.remove(0, bytes.size());
+    return true;
+}
+
+bool ScriptedServer::waitForConnection(int n, int timeoutMs)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (m_connections < n && !deadline.hasExpired())
+        QTest::qWait(5);
+    return m_connections >= n;
+}
+
+void ScriptedServer::send(const QByteArray &bytes)
+{
+    if (m_client) {
+        m_client->write(bytes);
+        m_client->flush();
+    }
+}
+
+void ScriptedServer::dropClient()
+{
+    if (m_client)
+        m_client->disconnectFromHost();
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QPointer>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+// A lobby server stand-in for tests: listens on an ephemeral loopback port, keeps the
+// latest accepted connection, collects what it receives and sends exact bytes.
+class ScriptedServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ScriptedServer(QObject *parent = nullptr);
+
+    quint16 port() const { return m_server.serverPort(); }
+    int connectionCount() const { return m_connections; }
+
+    // Waits until `bytes` has been received (from the current connection) and removes it
+    // from the front of what was received. False on timeout or different bytes.
+    bool expect(const QByteArray &bytes, int timeoutMs = 5000);
+    // Waits for the n-th connection.
+    bool waitForConnection(int n, int timeoutMs = 5000);
+    void send(const QByteArray &bytes);
+    // Closes the current connection from the server's side.
+    void dropClient();
+
+    QByteArray received() const { return m_received; }
+
+private:
+    QTcpServer m_server;
+    QPointer<QTcpSocket> m_client;
+    QByteArray m_received;
+    int m_connections = 0;
+};
