@@ -2,12 +2,30 @@
 
 #include "client/app/icons.h"
 
+namespace {
+
+// A cell of the list. The list compares texts as text, without regard to case.
+class RoomListItem : public QStandardItem
+{
+public:
+    using QStandardItem::QStandardItem;
+
+    QStandardItem *clone() const override { return new RoomListItem(*this); }
+    bool operator<(const QStandardItem &other) const override
+    {
+        return QString::compare(text(), other.text(), Qt::CaseInsensitive) < 0;
+    }
+};
+
+} // namespace
+
 RoomListModel::RoomListModel(QObject *parent) : QStandardItemModel(0, ColumnCount, parent)
 {
     setHorizontalHeaderLabels({QStringLiteral("Host"), QStringLiteral("Room name"),
                                QStringLiteral("Ping"), QStringLiteral("Status"),
                                QStringLiteral("Players"), QStringLiteral("Map")});
     setSortRole(Qt::DisplayRole);
+    setItemPrototype(new RoomListItem); // the model owns the prototype
 }
 
 int RoomListModel::appendRow(const QStringList &columns, const QString &tag, IconIndex icon)
@@ -15,7 +33,7 @@ int RoomListModel::appendRow(const QStringList &columns, const QString &tag, Ico
     QList<QStandardItem *> items;
     items.reserve(ColumnCount);
     for (int c = 0; c < ColumnCount; ++c) {
-        auto *item = new QStandardItem(columns.value(c));
+        auto *item = new RoomListItem(columns.value(c));
         item->setEditable(false);
         items.append(item);
     }
@@ -37,8 +55,6 @@ QString RoomListModel::text(int row, Column column) const
 void RoomListModel::setText(int row, Column column, const QString &text)
 {
     setData(index(row, column), text);
-    if (m_sorted && column == m_sortColumn)
-        resort();
 }
 
 QString RoomListModel::tag(int row) const
@@ -83,6 +99,8 @@ void RoomListModel::clearRows()
 
 void RoomListModel::sortByHeader(int column)
 {
+    if (column < 0 || column >= ColumnCount)
+        return;
     m_sorted = true;
     if (column == m_lastClickedColumn)
         m_order = m_order == Qt::DescendingOrder ? Qt::AscendingOrder : Qt::DescendingOrder;

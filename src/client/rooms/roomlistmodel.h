@@ -20,11 +20,13 @@ public:
 
     explicit RoomListModel(QObject *parent = nullptr);
 
-    // Appends a row with the six column texts, its tag and icon; in sorted mode the row
-    // then moves to its place. Returns the row where it stands.
+    // Appends a row with the six column texts, its tag and icon; in sorted mode the list is
+    // sorted again, so the row moves to its place. Returns the row where it stands.
     int appendRow(const QStringList &columns, const QString &tag, IconIndex icon);
 
     QString text(int row, Column column) const;
+    // Rows do not move when a text changes, even in sorted mode, so that a caller can write
+    // several columns of the row it found; the next append or header click sorts again.
     void setText(int row, Column column, const QString &text);
     QString tag(int row) const;
     IconIndex icon(int row) const;
@@ -40,7 +42,11 @@ public:
     void clearRows();
 
     // Sorting by a column header: the model itself is kept in display order, so lookups
-    // "in display order" are lookups in row order.
+    // "in display order" are lookups in row order. The first click puts the list into sorted
+    // mode; a click on the column clicked last flips the order (descending becomes ascending,
+    // anything else descending), a click on another column keeps it. Both the last clicked
+    // and the sort column start at "Host", so the first click on "Host" already flips.
+    // Texts compare without regard to case; equal texts keep their order.
     void sortByHeader(int column);
     bool isSorted() const { return m_sorted; }
     Qt::SortOrder sortOrder() const { return m_order; }

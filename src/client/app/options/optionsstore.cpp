@@ -1,0 +1,25 @@
+#include "client/app/options/optionsstore.h"
+
+#include "client/app/options/options.h"
+#include "client/app/options/settingsfile.h"
+#include "client/platform/dialogs.h"
+
+OptionsStore::OptionsStore(Options &options, const QString &dataFolder, DefaultGameFolders defaults,
+                           Dialogs &dialogs)
+    : m_options(options), m_settingsPath(dataFolder + u'/' + SettingsFile::fileName()),
+      m_defaults(std::move(defaults)), m_dialogs(dialogs)
+{
+}
+
+void OptionsStore::load()
+{
+    SettingsFile::read(m_settingsPath, m_options);
+    if (!m_defaults.fillEmpty(m_options))
+        m_dialogs.messageBox(applicationTitle(), DefaultGameFolders::missingMessage(),
+                             Dialogs::Buttons::Ok, Dialogs::Icon::Information);
+}
+
+bool OptionsStore::save()
+{
+    return SettingsFile::write(m_settingsPath, m_options);
+}

@@ -1,0 +1,107 @@
+#include "client/app/options/settingsfile.h"
+
+#include "client/app/options/options.h"
+#include "protocol/cp1252.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QStringDecoder>
+#include <QStringList>
+#include <optional>
+
+namespace {
+
+// Far more than seven lines of settings ever need; the rest of a larger file is not read.
+constexpr qint64 kMaxBytes = 64 * 1024;
+
+QString decode(const QByteArray &bytes)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    QString text = utf8(bytes);
+    return utf8.hasError() ? protocol::fromCp1252(bytes) : text;
+}
+
+QString trimBlanks(const QString &text)
+{
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && text[begin] == u' ')
+        ++begin;
+    while (end > begin && text[end - 1] == u' ')
+        --end;
+    return text.mid(begin, end - begin);
+}
+
+// A check-box line: 0 or 1 with blanks around it; anything else cannot be converted.
+std::optional<bool> checkValue(const QString &line)
+{
+    bool ok = false;
+    const int value = trimBlanks(line).toInt(&ok);
+    if (!ok || (value != 0 && value != 1))
+        return std::nullopt;
+    return value == 1;
+}
+
+} // namespace
+
+namespace SettingsFile {
+
+bool read(const QString &path, Options &options)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    parse(file.read(kMaxBytes), options);
+    return true;
+}
+
+void parse(const QByteArray &content, Options &options)
+{
+    QStringList lines = decode(content).split(u'\n');
+    for (QString &line : lines) {
+        if (line.endsWith(u'\r'))
+            line.chop(1);
+    }
+    // The text after the last line end is a line only when it holds something.
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+
+    using Setter = void (Options::*)(bool);
+    const Setter checks[] = {&Options::setAutoStart, &Options::setAutoLogIn, &Options::setSound,
+                             &Options::setReset};
+    for (int i = 0; i < 4 && i < lines.size(); ++i) {
+        if (const auto value = checkValue(lines[i]))
+            (options.*checks[i])(*value);
+    }
+    if (lines.size() > 4)
+        options.setHotKeyTag(trimBlanks(lines[4]));
+    if (lines.size() > 5)
+        options.setPathRS(trimBlanks(lines[5]));
+    if (lines.size() > 6)
+        options.setPathBlackOps(trimBlanks(lines[6]));
+}
+
+QByteArray format(const Options &options)
+{
+    const QStringList lines = {
+        QString::number(int(options.autoStart())),
+        QString::number(int(options.autoLogIn())),
+        QString::number(int(options.sound())),
+        QString::number(int(options.reset())),
+        options.hotKeyTag(),
+        options.pathRS(),
+        options.pathBlackOps(),
+    };
+    return (lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")).toUtf8();
+}
+
+bool write(const QString &path, const Options &options)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(format(options));
+    return file.commit();
+}
+
+} // namespace SettingsFile
