@@ -6,6 +6,7 @@
 
 #include <QDesktopServices>
 #include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QTextBrowser>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -87,6 +88,8 @@ void ChatBox::addChatLine(const QString &name, const QString &colour, const QStr
     // The newest line is shown, even when the user had scrolled up or selected something.
     m_txtChat->setTextCursor(cursor);
     m_txtChat->ensureCursorVisible();
+    QScrollBar *bar = m_txtChat->verticalScrollBar();
+    bar->setValue(bar->maximum()); // past the caret's line: the box's bottom margin too
     m_lastCheckedStart = -1;
 }
 
