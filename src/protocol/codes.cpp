@@ -1,5 +1,7 @@
 #include "protocol/codes.h"
 
+#include <cstdint>
+
 #include <array>
 
 namespace protocol {
@@ -14,7 +16,7 @@ struct CodeInfo
 };
 
 // Field counts in both directions. Order here is the order of the enum.
-constexpr std::array<CodeInfo, 28> kCodes = {{
+constexpr std::array<CodeInfo, kCodeCount> kCodes = {{
     {Code::PlayerStatus, "PS", 3, 2},
     {Code::OldVersion, "OV", 0, -1},
     {Code::SendLogin, "SL", 0, -1},
@@ -27,9 +29,15 @@ constexpr std::array<CodeInfo, 28> kCodes = {{
     {Code::MemberReady, "\xD6R", 2, 1},
     {Code::RoomChat, "\xD6M", 1, 1},
     {Code::MemberJoined, "\xD6T", 2, -1},
-    {Code::MemberLeft, "\xD6" "B", 1, -1},
+    {Code::MemberLeft,
+     "\xD6"
+     "B",
+     1, -1},
     {Code::RoomStatus, "\xD6S", 2, 1},
-    {Code::RoomCount, "\xD6" "C", 2, -1},
+    {Code::RoomCount,
+     "\xD6"
+     "C",
+     2, -1},
     {Code::RemoveRoom, "RR", 2, 0},
     {Code::LockRoom, "LR", 2, 1},
     {Code::WrongPassword, "\xD6W", 0, -1},
@@ -46,13 +54,16 @@ constexpr std::array<CodeInfo, 28> kCodes = {{
 }};
 
 constexpr std::array<Code, 19> kClientIncomingOrder = {
-    Code::PlayerStatus, Code::OldVersion,  Code::SendLogin,    Code::LoginAccepted,
-    Code::LoginFailed,  Code::ChatLine,    Code::AddPlayer,    Code::RemovePlayer,
-    Code::AddRoom,      Code::MemberReady, Code::RoomChat,     Code::MemberJoined,
-    Code::MemberLeft,   Code::RoomStatus,  Code::RoomCount,    Code::RemoveRoom,
+    Code::PlayerStatus, Code::OldVersion,    Code::SendLogin,     Code::LoginAccepted,
+    Code::LoginFailed,  Code::ChatLine,      Code::AddPlayer,     Code::RemovePlayer,
+    Code::AddRoom,      Code::MemberReady,   Code::RoomChat,      Code::MemberJoined,
+    Code::MemberLeft,   Code::RoomStatus,    Code::RoomCount,     Code::RemoveRoom,
     Code::LockRoom,     Code::WrongPassword, Code::PrivateMessage};
 
-const CodeInfo &info(Code code) { return kCodes[static_cast<std::size_t>(code)]; }
+const CodeInfo &info(Code code)
+{
+    return kCodes[static_cast<std::size_t>(code)];
+}
 
 } // namespace
 
@@ -64,24 +75,49 @@ std::optional<int> fieldCount(Code code, Direction direction)
     return n;
 }
 
-QByteArrayView wireCode(Code code) { return QByteArrayView(info(code).wire, 2); }
+QByteArrayView wireCode(Code code)
+{
+    return QByteArrayView(info(code).wire, 2);
+}
+
+namespace {
+
+// Index into kCodes by the two wire bytes, -1 for no code: the receive loop looks a code up
+// at every position it resynchronises over, so this is a table, not a search.
+constexpr std::array<std::int8_t, 65536> makeCodeIndex()
+{
+    std::array<std::int8_t, 65536> index{};
+    for (auto &entry : index)
+        entry = -1;
+    for (std::size_t i = 0; i < kCodes.size(); ++i) {
+        const auto a = static_cast<unsigned char>(kCodes[i].wire[0]);
+        const auto b = static_cast<unsigned char>(kCodes[i].wire[1]);
+        index[a * 256 + b] = static_cast<std::int8_t>(i);
+    }
+    return index;
+}
+constexpr std::array<std::int8_t, 65536> kCodeIndex = makeCodeIndex();
+
+} // namespace
 
 std::optional<Code> codeAt(QByteArrayView bytes, Direction direction)
 {
     if (bytes.size() < 2)
         return std::nullopt;
-    const char a = bytes[0];
-    const char b = bytes[1];
-    for (const CodeInfo &c : kCodes) {
-        if (c.wire[0] == a && c.wire[1] == b) {
-            const int n = direction == Direction::ToClient ? c.toClient : c.toServer;
-            return n < 0 ? std::nullopt : std::optional<Code>(c.code);
-        }
-    }
-    return std::nullopt;
+    const auto a = static_cast<unsigned char>(bytes[0]);
+    const auto b = static_cast<unsigned char>(bytes[1]);
+    const int i = kCodeIndex[a * 256 + b];
+    if (i < 0)
+        return std::nullopt;
+    const CodeInfo &c = kCodes[static_cast<std::size_t>(i)];
+    const int n = direction == Direction::ToClient ? c.toClient : c.toServer;
+    return n < 0 ? std::nullopt : std::optional<Code>(c.code);
 }
 
-std::span<const Code> clientIncomingOrder() { return kClientIncomingOrder; }
+std::span<const Code> clientIncomingOrder()
+{
+    return kClientIncomingOrder;
+}
 
 } // namespace protocol
 

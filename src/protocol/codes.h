@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QList>
+#include <cstddef>
 #include <optional>
 #include <span>
 
@@ -43,6 +44,8 @@ enum class Code {
     StatsUpload,    // DS
     StatsReset,     // RS
 };
+
+inline constexpr std::size_t kCodeCount = 28;
 
 enum class Direction { ToClient, ToServer };
 

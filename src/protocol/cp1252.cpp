@@ -31,12 +31,26 @@ char16_t cp1252ToUnicode(unsigned char byte)
     return byte;
 }
 
+namespace {
+constexpr std::array<char16_t, 256> makeDecodeTable()
+{
+    std::array<char16_t, 256> table{};
+    for (std::size_t i = 0; i < table.size(); ++i)
+        table[i] = (i >= 0x80 && i < 0xA0) ? kHighControls[i - 0x80] : char16_t(i);
+    return table;
+}
+constexpr std::array<char16_t, 256> kDecode = makeDecodeTable();
+} // namespace
+
 QString fromCp1252(QByteArrayView bytes)
 {
+    if (bytes.isEmpty())
+        return QString();
     QString text(bytes.size(), Qt::Uninitialized);
-    QChar *out = text.data();
+    char16_t *out = reinterpret_cast<char16_t *>(text.data());
+    const auto *in = reinterpret_cast<const unsigned char *>(bytes.data());
     for (qsizetype i = 0; i < bytes.size(); ++i)
-        out[i] = QChar(cp1252ToUnicode(static_cast<unsigned char>(bytes[i])));
+        out[i] = kDecode[in[i]];
     return text;
 }
 

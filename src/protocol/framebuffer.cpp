@@ -28,8 +28,8 @@ void FrameBuffer::clear()
 
 void FrameBuffer::findTerminator()
 {
-    m_terminator = m_read < m_bytes.size() ? QByteArrayView(m_bytes).indexOf(kTerminator, m_read)
-                                           : -1;
+    m_terminator =
+        m_read < m_bytes.size() ? QByteArrayView(m_bytes).indexOf(kTerminator, m_read) : -1;
 }
 
 std::optional<FrameBuffer::Frame> FrameBuffer::next()

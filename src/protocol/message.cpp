@@ -26,19 +26,27 @@ QByteArray buildMessage(Code code, const QStringList &fields)
 std::optional<QStringList> splitFields(QByteArrayView body, int count)
 {
     QStringList fields;
+    if (!splitFieldsInto(body, count, fields))
+        return std::nullopt;
+    return fields;
+}
+
+bool splitFieldsInto(QByteArrayView body, int count, QStringList &fields)
+{
+    fields.clear();
     if (count <= 0)
-        return fields;
+        return true;
     fields.reserve(count);
     qsizetype start = 0;
     for (int i = 0; i < count - 1; ++i) {
         const qsizetype sep = body.indexOf(kSeparator, start);
         if (sep < 0)
-            return std::nullopt;
+            return false;
         fields.append(fromCp1252(body.sliced(start, sep - start)));
         start = sep + 1;
     }
     fields.append(fromCp1252(body.sliced(start)));
-    return fields;
+    return true;
 }
 
 QStringList splitAllFields(QByteArrayView body)

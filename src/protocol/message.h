@@ -29,6 +29,8 @@ QByteArray buildMessage(Code code, const QStringList &fields = {});
 // rest. nullopt when the body has fewer separators than `count` needs (a short message).
 // A body for a field-less message (count 0) is ignored.
 std::optional<QStringList> splitFields(QByteArrayView body, int count);
+// The same into `fields` (cleared first, its capacity reused). False for a short message.
+bool splitFieldsInto(QByteArrayView body, int count, QStringList &fields);
 
 // Every field of a body, for messages whose length varies ("DS").
 QStringList splitAllFields(QByteArrayView body);

@@ -6,7 +6,7 @@ LobbyDispatcher::LobbyDispatcher(QObject *parent) : QObject(parent) {}
 
 void LobbyDispatcher::setHandler(Code code, Handler handler)
 {
-    m_handlers[code] = std::move(handler);
+    m_handlers[std::size_t(code)] = std::move(handler);
 }
 
 void LobbyDispatcher::receive(QByteArrayView bytes)
@@ -32,19 +32,20 @@ void LobbyDispatcher::dispatchPending()
         if (!frame)
             break;
         const Code code = frame->code;
+        if (code == Code::OldVersion)
+            m_halted = true;
+        const Handler &handler = m_handlers[std::size_t(code)];
+        if (!handler)
+            continue;
         const int count = protocol::fieldCount(code, protocol::Direction::ToClient).value_or(0);
-        std::optional<QStringList> fields = protocol::splitFields(frame->body, count);
-        if (!fields) {
+        // The field list is reused from message to message to save an allocation each.
+        if (!protocol::splitFieldsInto(frame->body, count, m_fields)) {
             Q_EMIT shortMessageDropped(code);
             continue;
         }
-        const auto handler = m_handlers.find(code);
-        if (code == Code::OldVersion)
-            m_halted = true;
-        if (handler == m_handlers.end() || !handler->second)
-            continue;
-        const protocol::Message message{code, std::move(*fields)};
-        handler->second(message);
+        protocol::Message message{code, std::move(m_fields)};
+        handler(message);
+        m_fields = std::move(message.fields);
     }
     m_dispatching = false;
 }

@@ -4,8 +4,8 @@
 #include "protocol/message.h"
 
 #include <QObject>
+#include <array>
 #include <functional>
-#include <unordered_map>
 
 // The receive side of the lobby connection (`receiveBuffer` and its dispatch loop): bytes are
 // appended as they arrive, every complete message in them is handed to the handler of its code,
@@ -47,7 +47,8 @@ private:
     void dispatchPending();
 
     protocol::FrameBuffer m_buffer{protocol::Direction::ToClient};
-    std::unordered_map<protocol::Code, Handler> m_handlers;
+    std::array<Handler, protocol::kCodeCount> m_handlers;
+    QStringList m_fields;
     bool m_dispatching = false;
     bool m_halted = false;
 };

@@ -102,8 +102,12 @@ private Q_SLOTS:
     void shortMessageIsReported()
     {
         LobbyDispatcher dispatcher;
+        bool called = false;
+        dispatcher.setHandler(Code::LoginAccepted,
+                              [&](const protocol::Message &) { called = true; });
         QSignalSpy spy(&dispatcher, &LobbyDispatcher::shortMessageDropped);
         dispatcher.receive("LTonly\x0F");
+        QVERIFY(!called);
         QCOMPARE(spy.count(), 1);
         QCOMPARE(spy.at(0).at(0).value<Code>(), Code::LoginAccepted);
     }
