@@ -3,18 +3,6 @@
 #include "client/app/icons.h"
 
 #include <QFont>
-#include <algorithm>
-
-struct PlayerListModel::Row
-{
-    std::array<QString, ColumnCount> texts;
-    int icon = 0;
-    bool bold = false;
-    QColor colour;
-    quint64 sequence = 0; // when the entry got its present code: orders entries of one code
-
-    const QString &code() const { return texts[PlayerStatus]; }
-};
 
 namespace {
 
@@ -39,7 +27,7 @@ PlayerListModel::~PlayerListModel() = default;
 
 int PlayerListModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return parent.isValid() ? 0 : m_order.size();
 }
 
 int PlayerListModel::columnCount(const QModelIndex &parent) const
@@ -51,7 +39,7 @@ QVariant PlayerListModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    const Row &row = rowAt(index.row());
+    const PlayerRow &row = rowAt(index.row());
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
@@ -90,7 +78,7 @@ QVariant PlayerListModel::headerData(int section, Qt::Orientation orientation, i
 void PlayerListModel::clearList()
 {
     beginResetModel();
-    m_rows.clear();
+    m_order.clear();
     m_byName.clear();
     m_codeCounts.clear();
     m_gameAddressCounts.clear();
@@ -118,18 +106,13 @@ void PlayerListModel::addGroupRows()
 
 int PlayerListModel::addEntry(Entry entry)
 {
-    auto row = std::make_unique<Row>();
-    row->texts = std::move(entry.texts);
-    row->icon = entry.icon;
-    row->bold = entry.bold;
-    row->colour = entry.colour;
-    row->sequence = m_nextSequence++;
-
-    const int at = insertionRow(row->code());
+    auto row = std::make_unique<PlayerRow>(std::move(entry));
+    const QString code = row->texts[PlayerStatus];
+    const int at = m_order.groupEnd(code);
     beginInsertRows(QModelIndex(), at, at);
     track(*row, +1);
     m_byName[row->texts[Name]].append(row.get());
-    m_rows.insert(m_rows.begin() + at, std::move(row));
+    m_order.insert(std::move(row), code);
     endInsertRows();
     return at;
 }
@@ -139,13 +122,13 @@ void PlayerListModel::removeEntry(int row)
     if (row < 0 || row >= rowCount())
         return;
     beginRemoveRows(QModelIndex(), row, row);
-    Row *gone = m_rows[std::size_t(row)].get();
+    PlayerRow *gone = m_order.at(row);
     track(*gone, -1);
     const auto named = m_byName.find(gone->texts[Name]);
     named->removeOne(gone);
     if (named->isEmpty())
         m_byName.erase(named);
-    m_rows.erase(m_rows.begin() + row);
+    m_order.take(gone);
     endRemoveRows();
 }
 
@@ -156,8 +139,8 @@ int PlayerListModel::findEntry(const QString &name) const
         return -1;
     // Duplicates are rare: the first in display order is the one with the smallest row.
     int first = -1;
-    for (const Row *row : *named) {
-        const int at = rowOf(row);
+    for (const PlayerRow *row : *named) {
+        const int at = m_order.rowOf(row);
         if (first < 0 || at < first)
             first = at;
     }
@@ -175,7 +158,7 @@ void PlayerListModel::setText(int row, Column column, const QString &text)
 {
     if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount)
         return;
-    Row &entry = rowAt(row);
+    PlayerRow &entry = rowAt(row);
     if (entry.texts[std::size_t(column)] == text)
         return;
     switch (column) {
@@ -236,10 +219,9 @@ void PlayerListModel::countPlayers()
                                                     : Group::Away;
         const QString label = groupLabel(*code, groupCount(group));
         // The rows of one code stand together; renaming them does not move them.
-        const auto first = std::partition_point(m_rows.begin(), m_rows.end(),
-                                                [&](const auto &r) { return r->code() > *code; });
-        for (auto it = first; it != m_rows.end() && (*it)->code() == *code; ++it)
-            setName(int(it - m_rows.begin()), label);
+        const int end = m_order.groupEnd(*code);
+        for (int row = m_order.groupStart(*code); row < end; ++row)
+            setName(row, label);
     }
 }
 
@@ -264,41 +246,19 @@ bool PlayerListModel::hasGameAddress(const QString &address) const
     return !address.isEmpty() && m_gameAddressCounts.contains(address);
 }
 
-int PlayerListModel::rowOf(const Row *row) const
-{
-    const QString &code = row->code();
-    const auto at = std::partition_point(m_rows.begin(), m_rows.end(), [&](const auto &r) {
-        return r->code() > code || (r->code() == code && r->sequence < row->sequence);
-    });
-    Q_ASSERT(at != m_rows.end() && at->get() == row);
-    return int(at - m_rows.begin());
-}
-
-int PlayerListModel::insertionRow(const QString &code) const
-{
-    // After every entry whose code is greater or equal: the end of the code's group.
-    const auto at = std::partition_point(m_rows.begin(), m_rows.end(),
-                                         [&](const auto &r) { return r->code() >= code; });
-    return int(at - m_rows.begin());
-}
-
 void PlayerListModel::setCode(int from, const QString &code)
 {
-    const int beforeMove = insertionRow(code);
-    const int to = beforeMove > from ? beforeMove - 1 : beforeMove;
-    Row &entry = rowAt(from);
+    // The entry goes to the end of its new group; the rows below it move up first.
+    const int groupEnd = m_order.groupEnd(code);
+    const int to = groupEnd > from ? groupEnd - 1 : groupEnd;
+    PlayerRow *entry = m_order.at(from);
     const bool moves = to != from;
     if (moves)
         beginMoveRows(QModelIndex(), from, from, QModelIndex(), to > from ? to + 1 : to);
-    track(entry, -1);
-    entry.texts[PlayerStatus] = code;
-    entry.sequence = m_nextSequence++;
-    track(entry, +1);
-    const auto at = m_rows.begin();
-    if (to > from)
-        std::rotate(at + from, at + from + 1, at + to + 1);
-    else if (to < from)
-        std::rotate(at + to, at + from, at + from + 1);
+    track(*entry, -1);
+    entry->texts[PlayerStatus] = code;
+    track(*entry, +1);
+    m_order.insert(m_order.take(entry), code);
     if (moves)
         endMoveRows();
     emitRowChanged(to, PlayerStatus, PlayerStatus, {Qt::DisplayRole, Qt::EditRole});
@@ -306,7 +266,7 @@ void PlayerListModel::setCode(int from, const QString &code)
 
 void PlayerListModel::setName(int row, const QString &name)
 {
-    Row *entry = m_rows[std::size_t(row)].get();
+    PlayerRow *entry = m_order.at(row);
     if (entry->texts[Name] == name)
         return;
     const auto named = m_byName.find(entry->texts[Name]);
@@ -318,7 +278,7 @@ void PlayerListModel::setName(int row, const QString &name)
     emitRowChanged(row, Name, Name, {Qt::DisplayRole, Qt::EditRole});
 }
 
-void PlayerListModel::track(const Row &row, int delta)
+void PlayerListModel::track(const PlayerRow &row, int delta)
 {
     const auto adjust = [delta](QHash<QString, int> &counts, const QString &key) {
         const int n = counts.value(key) + delta;
@@ -327,7 +287,7 @@ void PlayerListModel::track(const Row &row, int delta)
         else
             counts.remove(key);
     };
-    adjust(m_codeCounts, row.code());
+    adjust(m_codeCounts, row.texts[PlayerStatus]);
     if (!row.texts[IpToGame].isEmpty())
         adjust(m_gameAddressCounts, row.texts[IpToGame]);
 }

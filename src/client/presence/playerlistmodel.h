@@ -1,12 +1,10 @@
 #pragma once
 
+#include "client/presence/playerorder.h"
+
 #include <QAbstractTableModel>
-#include <QColor>
 #include <QHash>
 #include <QIcon>
-#include <array>
-#include <memory>
-#include <vector>
 
 // The player list `ListView2`: three group rows (lobby, playing, away) and one entry per
 // announced player. It is the client's only store of what it knows about other players; every
@@ -18,8 +16,9 @@
 //
 // The model is always in display order: sorted on `playerStatus` as text, descending. Entries
 // with the same code keep the order in which they got that code (an entry whose code changes
-// goes to the end of its new group). Keeping the order on every change, instead of sorting the
-// whole list afterwards, makes announcing n players cost O(n log n) plus moving row pointers.
+// goes to the end of its new group). The order is kept on every change instead of sorting the
+// whole list afterwards, and the group counts are kept as entries change, so a burst of n
+// presence messages costs O(n log n).
 class PlayerListModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -47,13 +46,8 @@ public:
     static constexpr QRgb kHighlightColour = 0xFF8000; // orange, RGB(255, 128, 0)
 
     // What a new entry holds; columns left empty stay "".
-    struct Entry
-    {
-        std::array<QString, ColumnCount> texts;
-        int icon = 0;
-        bool bold = false;
-        QColor colour; // invalid: the view's default colour
-    };
+    using Entry = PlayerRow;
+    static_assert(PlayerRow::kColumns == ColumnCount);
 
     explicit PlayerListModel(QObject *parent = nullptr);
     ~PlayerListModel() override;
@@ -93,21 +87,16 @@ public:
     bool hasGameAddress(const QString &address) const;
 
 private:
-    struct Row;
-
-    Row &rowAt(int row) const { return *m_rows[std::size_t(row)]; }
-    int rowOf(const Row *row) const;
-    int insertionRow(const QString &code) const;
+    PlayerRow &rowAt(int row) const { return *m_order.at(row); }
     void setCode(int row, const QString &code);
     void setName(int row, const QString &name);
-    void track(const Row &row, int delta);
+    void track(const PlayerRow &row, int delta);
     void emitRowChanged(int row, int firstColumn, int lastColumn, const QList<int> &roles = {});
     QIcon iconFor(int index) const;
 
-    std::vector<std::unique_ptr<Row>> m_rows; // display order
-    QHash<QString, QList<Row *>> m_byName;    // every entry under its name
-    QHash<QString, int> m_codeCounts;         // entries per status code
-    QHash<QString, int> m_gameAddressCounts;  // entries per non-empty ipToGame
-    quint64 m_nextSequence = 0;
+    PlayerOrder m_order;                         // the entries, in display order
+    QHash<QString, QList<PlayerRow *>> m_byName; // every entry under its name
+    QHash<QString, int> m_codeCounts;            // entries per status code
+    QHash<QString, int> m_gameAddressCounts;     // entries per non-empty ipToGame
     mutable QHash<int, QIcon> m_icons;
 };
