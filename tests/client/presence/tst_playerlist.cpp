@@ -3,6 +3,7 @@
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/playerlistview.h"
+#include "client/presence/playerorder.h"
 #include "client/presence/presence.h"
 #include "loopbacklobby.h"
 #include "protocol/message.h"
@@ -354,6 +355,53 @@ private Q_SLOTS:
                 QCOMPARE(list.model.hasGameAddress(game),
                          std::any_of(ref.begin(), ref.end(),
                                      [&](const Ref &r) { return r.ip == game; }));
+            }
+        }
+    }
+
+    // The order itself at sizes where its trees are many levels deep, with long runs of
+    // removals (which compact a group) and codes other than the usual digits.
+    void orderMatchesReferenceAtScale()
+    {
+        PlayerOrder order;
+        QList<std::pair<QString, PlayerRow *>> ref; // code, entry; in display order
+        const QStringList codes{"9", "8", "7", "", "10", "a"};
+        QRandomGenerator random(7);
+        const auto insert = [&](const QString &code, std::unique_ptr<PlayerRow> entry) {
+            // The end of the code's group in a list sorted by code, descending.
+            const auto at =
+                std::find_if(ref.begin(), ref.end(), [&](const auto &e) { return e.first < code; });
+            ref.insert(at, {code, entry.get()});
+            order.insert(std::move(entry), code);
+        };
+        for (int step = 0; step < 6000; ++step) {
+            const bool growing = (step / 1500) % 2 == 0;
+            const QString code = codes[random.bounded(codes.size())];
+            if (ref.isEmpty() || random.bounded(10) < (growing ? 7 : 2)) {
+                insert(code, std::make_unique<PlayerRow>());
+            } else {
+                const auto at = random.bounded(ref.size());
+                PlayerRow *entry = ref[at].second;
+                QCOMPARE(order.rowOf(entry), int(at));
+                std::unique_ptr<PlayerRow> taken = order.take(entry);
+                ref.removeAt(at);
+                if (random.bounded(2))
+                    insert(code, std::move(taken)); // a change of code
+            }
+            if (step % 500 == 0 || step == 5999) {
+                QCOMPARE(order.size(), int(ref.size()));
+                for (int r = 0; r < ref.size(); ++r) {
+                    QCOMPARE(order.at(r), ref[r].second);
+                    QCOMPARE(order.rowOf(ref[r].second), r);
+                }
+                for (const QString &c : codes) {
+                    const auto before = std::count_if(ref.begin(), ref.end(),
+                                                      [&](const auto &e) { return e.first > c; });
+                    const auto same = std::count_if(ref.begin(), ref.end(),
+                                                    [&](const auto &e) { return e.first == c; });
+                    QCOMPARE(order.groupStart(c), int(before));
+                    QCOMPARE(order.groupEnd(c), int(before + same));
+                }
             }
         }
     }
