@@ -36,6 +36,7 @@ FrmGameInfo::FrmGameInfo(const GameInfo &info, QWidget *parent)
     playerList->setModel(info.playersModel());
     playerList->setRootIsDecorated(false);
     playerList->setSelectionMode(QAbstractItemView::NoSelection);
+    playerList->setFocusPolicy(Qt::NoFocus);
     playerList->setEditTriggers(QAbstractItemView::NoEditTriggers);
     playerList->header()->setStretchLastSection(false);
     playerList->header()->setSectionResizeMode(0, QHeaderView::Stretch);

@@ -405,7 +405,7 @@ private Q_SLOTS:
                 byte = char(random.bounded(256));
             junk.insert(random.bounded(junk.size()), "queryid");
             server.sendTo(junk, gameInfoPort);
-            if (i % 50 == 0)
+            if (i % 20 == 0)
                 QTest::qWait(5);
         }
         QTRY_COMPARE(changed.size(), 300);
