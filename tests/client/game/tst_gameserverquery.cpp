@@ -1,14 +1,18 @@
 #include "client/game/frmgameinfo.h"
 #include "client/game/gameinfo.h"
 #include "client/game/gameserverquery.h"
+#include "client/lobby/lobbydispatcher.h"
+#include "client/rooms/roomlisthandlers.h"
 #include "client/rooms/roomlistmodel.h"
 #include "manualtickcount.h"
+#include "protocol/message.h"
 #include "udpresponder.h"
 
 #include <QAbstractItemModel>
 #include <QLabel>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTreeView>
@@ -410,6 +414,32 @@ private Q_SLOTS:
         }
         QTRY_COMPARE(changed.size(), 300);
         QCOMPARE(lobby.row(QStringLiteral("127.0.0.2")), kUntouched);
+    }
+
+    // Wired as the program wires it: a room that closes because its game runs becomes a
+    // running-game row, which is queried at once and filled from the game's answer.
+    void roomWhoseGameRunsGetsFilled()
+    {
+        FakeGame game;
+        QVERIFY(game.start({"-hostname", "Night Ops", "-map", "Alcatraz", "-player", "Eve:1:12"}));
+        Lobby lobby;
+        lobby.query.setQueryPort(game.port);
+        LobbyDispatcher dispatcher;
+        RoomListHandlers handlers(lobby.rooms, dispatcher, {});
+        connect(&handlers, &RoomListHandlers::gameRowAdded, &lobby.query,
+                &GameServerQuery::pingGameServer);
+
+        dispatcher.receive(protocol::buildMessage(
+            protocol::Code::AddRoom, {"Eve", "Room", "127.0.0.1", "In chat", "2", "0"}));
+        dispatcher.receive(protocol::buildMessage(protocol::Code::RemoveRoom, {"Eve", "1"}));
+        QCOMPARE(lobby.query.nextPingSlot(), 1);
+        QTRY_COMPARE(lobby.row(QStringLiteral("127.0.0.1"))[5], QStringLiteral("Alcatraz"));
+        QStringList row = lobby.row(QStringLiteral("127.0.0.1"));
+        QVERIFY2(QRegularExpression(QStringLiteral("^ {7}[0-9]$")).match(row[2]).hasMatch(),
+                 qPrintable(row[2])); // the manual tick count stands still: 0 ms
+        row[2].clear();
+        QCOMPARE(row, (QStringList{"Eve", "Night Ops", "", "In game", "       1", "Alcatraz"}));
+        QCOMPARE(lobby.rooms.icon(0), RoomListModel::RunningGame);
     }
 
     // A player without a server address asks nobody.
