@@ -22,13 +22,23 @@ bool isLockedNumber(const QString &flag)
 
 RoomListHandlers::RoomListHandlers(RoomListModel &rooms, LobbyDispatcher &dispatcher,
                                    GameAddressInUse gameAddressInUse, QObject *parent)
-    : QObject(parent), m_rooms(rooms), m_gameAddressInUse(std::move(gameAddressInUse))
+    : QObject(parent), m_rooms(rooms), m_dispatcher(&dispatcher),
+      m_gameAddressInUse(std::move(gameAddressInUse))
 {
     using protocol::Code;
     dispatcher.setHandler(Code::AddRoom, [this](const auto &m) { onAddRoom(m); });
     dispatcher.setHandler(Code::RemoveRoom, [this](const auto &m) { onRemoveRoom(m); });
     dispatcher.setHandler(Code::RoomCount, [this](const auto &m) { onRoomCount(m); });
     dispatcher.setHandler(Code::LockRoom, [this](const auto &m) { onLockRoom(m); });
+}
+
+RoomListHandlers::~RoomListHandlers()
+{
+    if (!m_dispatcher)
+        return;
+    for (auto code : {protocol::Code::AddRoom, protocol::Code::RemoveRoom,
+                      protocol::Code::RoomCount, protocol::Code::LockRoom})
+        m_dispatcher->setHandler(code, {});
 }
 
 void RoomListHandlers::onAddRoom(const protocol::Message &message)

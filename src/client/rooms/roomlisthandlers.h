@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <functional>
 
 namespace protocol {
@@ -22,9 +23,10 @@ public:
     // game-address column).
     using GameAddressInUse = std::function<bool(const QString &address)>;
 
-    // Registers the four handlers on `dispatcher`.
+    // Registers the four handlers on `dispatcher`, until this object is destroyed.
     RoomListHandlers(RoomListModel &rooms, LobbyDispatcher &dispatcher,
                      GameAddressInUse gameAddressInUse, QObject *parent = nullptr);
+    ~RoomListHandlers() override;
 
     // Adds a running-game row for a game server address and asks for its status
     // (`gameRowAdded`), unless the address is empty or some row, of either kind, already
@@ -48,5 +50,6 @@ private:
     void onLockRoom(const protocol::Message &message);
 
     RoomListModel &m_rooms;
+    QPointer<LobbyDispatcher> m_dispatcher;
     GameAddressInUse m_gameAddressInUse;
 };

@@ -331,6 +331,15 @@ private Q_SLOTS:
         }
     }
 
+    void handlersLeaveWithTheirObject()
+    {
+        delete m_handlers;
+        m_handlers = nullptr;
+        addRoom("Bob", "10.0.0.5");
+        QCOMPARE(m_rooms->rowCount(), 0);
+        QCOMPARE(m_dispatcher->pendingBytes(), 0);
+    }
+
     void headerClicksSort_data()
     {
         QTest::addColumn<QList<int>>("clicks");
