@@ -35,50 +35,27 @@ std::optional<QString> readEscaped(QStringView line, qsizetype &pos, QChar end)
             continue;
         }
         const QChar e = line[pos++];
-        switch (e.unicode()) {
-        case 'a':
-            out.append(QChar(7));
-            break;
-        case 'b':
-            out.append(QChar(8));
-            break;
-        case 't':
-            out.append(QChar(9));
-            break;
-        case 'n':
-            out.append(QChar(10));
-            break;
-        case 'v':
-            out.append(QChar(11));
-            break;
-        case 'f':
-            out.append(QChar(12));
-            break;
-        case 'r':
-            out.append(QChar(13));
-            break;
-        case 'e':
-            out.append(QChar(27));
-            break;
-        case 'x': {
+        // The C escapes a registry file uses for control characters.
+        static const QString letters = QStringLiteral("abtnvfre");
+        static const char16_t controls[] = {7, 8, 9, 10, 11, 12, 13, 27};
+        if (const qsizetype i = letters.indexOf(e); i >= 0) {
+            out.append(QChar(controls[i]));
+            continue;
+        }
+        if (e == u'x') {
             char16_t value = 0;
             int digits = 0;
             for (int d; digits < 4 && pos < line.size() && (d = hexDigit(line[pos])) >= 0;
                  ++digits, ++pos)
                 value = char16_t(value * 16 + d);
-            out.append(digits ? QChar(value) : QChar(u'x'));
-            break;
-        }
-        default:
-            if (isOctal(e)) {
-                int value = e.unicode() - '0';
-                for (int digits = 1; digits < 3 && pos < line.size() && isOctal(line[pos]);
-                     ++digits)
-                    value = value * 8 + (line[pos++].unicode() - '0');
-                out.append(QChar(char16_t(value)));
-            } else {
-                out.append(e);
-            }
+            out.append(digits ? QChar(value) : e);
+        } else if (isOctal(e)) {
+            int value = e.unicode() - u'0';
+            for (int digits = 1; digits < 3 && pos < line.size() && isOctal(line[pos]); ++digits)
+                value = value * 8 + (line[pos++].unicode() - u'0');
+            out.append(QChar(char16_t(value)));
+        } else {
+            out.append(e); // \\, \", \[ and \] stand for themselves
         }
     }
     return std::nullopt;
