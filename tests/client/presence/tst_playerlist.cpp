@@ -8,6 +8,7 @@
 #include "loopbacklobby.h"
 #include "protocol/message.h"
 
+#include <QAbstractItemModelTester>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QRandomGenerator>
@@ -166,21 +167,6 @@ private Q_SLOTS:
         QCOMPARE(describe(list.model), rows);
     }
 
-    void newEntryFields()
-    {
-        PlayerList list;
-        list.receive({an(QStringLiteral("Bob"), QStringLiteral("7"), QStringLiteral("3"))});
-        const int row = list.model.findEntry(QStringLiteral("Bob"));
-        QCOMPARE(list.model.text(row, Model::PictureLoaded), QStringLiteral("0"));
-        QCOMPARE(list.model.text(row, Model::Message), QStringLiteral("0"));
-        QCOMPARE(list.model.text(row, Model::VanTrue), QStringLiteral("0"));
-        QCOMPARE(list.model.text(row, Model::PingBild), QStringLiteral("2"));
-        QCOMPARE(list.model.text(row, Model::EpostHash), QStringLiteral("hash-Bob"));
-        QCOMPARE(list.model.text(row, Model::IpToPlayer), QString());
-        QCOMPARE(list.model.text(row, Model::File), QString());
-        QCOMPARE(list.model.icon(row), 2);
-    }
-
     void highlight_data()
     {
         QTest::addColumn<QString>("flag");
@@ -292,6 +278,11 @@ private Q_SLOTS:
         };
 
         PlayerList list(false);
+        // Checks every insert, move and removal signal against the model's contents.
+        QAbstractItemModelTester tester(&list.model,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QTreeView view;
+        configurePlayerListView(view, list.model);
         QRandomGenerator random(20261123);
         for (int step = 0; step < 3000; ++step) {
             const QString name = QStringLiteral("p%1").arg(random.bounded(40));
