@@ -1,0 +1,112 @@
+#include "server/connection.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+
+namespace server {
+
+namespace {
+constexpr qint64 kReadChunk = 16 * 1024;
+
+QString addressText(const QHostAddress &address)
+{
+    bool isV4 = false;
+    const quint32 v4 = address.toIPv4Address(&isV4);
+    return isV4 ? QHostAddress(v4).toString() : address.toString();
+}
+} // namespace
+
+Connection::Connection(QTcpSocket *socket, QObject *parent)
+    : QObject(parent), m_socket(socket), m_peerAddress(addressText(socket->peerAddress()))
+{
+    m_socket->setParent(this);
+    // Bounded reads: the limit on a pending message is checked before more is taken in.
+    m_socket->setReadBufferSize(kReadChunk * 4);
+    m_silence.setSingleShot(true);
+    connect(&m_silence, &QTimer::timeout, this, [this] {
+        m_closing = true;
+        m_socket->abort();
+        finish();
+    });
+    connect(m_socket, &QTcpSocket::readyRead, this, &Connection::readAvailable);
+    connect(m_socket, &QTcpSocket::disconnected, this, &Connection::finish, Qt::QueuedConnection);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &Connection::finish, Qt::QueuedConnection);
+    if (m_socket->state() != QAbstractSocket::ConnectedState)
+        QMetaObject::invokeMethod(this, &Connection::finish, Qt::QueuedConnection);
+}
+
+void Connection::setSilenceLimit(int ms)
+{
+    m_silence.stop();
+    if (ms > 0) {
+        m_silence.setInterval(ms);
+        m_silence.start();
+    }
+}
+
+void Connection::send(const QByteArray &bytes)
+{
+    if (m_closing)
+        return;
+    if (m_socket->bytesToWrite() + bytes.size() > kMaxUnsent) {
+        // A client that does not read would otherwise hold any amount of the server's memory.
+        m_closing = true;
+        m_socket->abort();
+        QMetaObject::invokeMethod(this, &Connection::finish, Qt::QueuedConnection);
+        return;
+    }
+    m_socket->write(bytes);
+}
+
+void Connection::closeAfterFlush()
+{
+    if (m_closing)
+        return;
+    m_closing = true;
+    // A client that never reads would keep the closing socket forever.
+    m_silence.setInterval(5000);
+    m_silence.start();
+    m_socket->disconnectFromHost();
+    if (m_socket->state() == QAbstractSocket::UnconnectedState)
+        QMetaObject::invokeMethod(this, &Connection::finish, Qt::QueuedConnection);
+}
+
+void Connection::readAvailable()
+{
+    if (m_closing)
+        return;
+    if (m_silence.isActive())
+        m_silence.start();
+    while (!m_closing && m_socket->bytesAvailable() > 0) {
+        m_buffer.append(m_socket->read(kReadChunk));
+        while (!m_closing) {
+            const std::optional<protocol::FrameBuffer::Frame> frame = m_buffer.next();
+            if (!frame)
+                break;
+            const int count =
+                protocol::fieldCount(frame->code, protocol::Direction::ToServer).value_or(0);
+            if (std::optional<QStringList> fields = protocol::splitFields(frame->body, count))
+                Q_EMIT messageReceived(protocol::Message{frame->code, std::move(*fields)});
+        }
+        if (!m_closing && m_buffer.size() > kMaxPending && !m_buffer.holdsTerminator()) {
+            m_closing = true;
+            m_socket->abort();
+            QMetaObject::invokeMethod(this, &Connection::finish, Qt::QueuedConnection);
+        }
+    }
+}
+
+void Connection::finish()
+{
+    if (m_finished)
+        return;
+    m_finished = true;
+    m_closing = true;
+    m_silence.stop();
+    if (m_socket->state() != QAbstractSocket::UnconnectedState &&
+        m_socket->state() != QAbstractSocket::ClosingState)
+        m_socket->abort();
+    Q_EMIT closed();
+}
+
+} // namespace server

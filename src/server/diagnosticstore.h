@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+namespace server {
+
+class Database;
+
+struct Diagnostic
+{
+    int senderId = 0;
+    QDateTime received;
+    QString text;
+};
+
+// Reports that clients address to the service account instead of a player.
+class DiagnosticStore
+{
+public:
+    explicit DiagnosticStore(Database &database);
+
+    bool add(int senderId, const QString &text, const QDateTime &received);
+    QList<Diagnostic> all() const;
+
+private:
+    Database &m_database;
+};
+
+} // namespace server

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QStringList>
+
+namespace server {
+
+// How the lobby treats its clients; the process options fill it.
+struct LobbyConfig
+{
+    QStringList versions{QStringLiteral("V 6.0")}; // client versions accepted in "VE"
+    bool openRegistration = false;                 // an unknown name at login creates the account
+    int loginTimeoutMs = 30'000;                   // a connection must log in within this
+    int idleTimeoutMs = 95'000; // a logged-in connection silent this long is closed
+};
+
+} // namespace server

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "server/chathandler.h"
+#include "server/lobby.h"
+#include "server/lobbyconfig.h"
+#include "server/loginhandler.h"
+#include "server/loginthrottle.h"
+#include "server/messagerouter.h"
+#include "server/presencehandler.h"
+#include "server/roomhandler.h"
+#include "server/roomregistry.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QTcpServer>
+
+namespace server {
+
+class AccountStore;
+class BuddyStore;
+class Clock;
+class DiagnosticStore;
+class PasswordWorker;
+class Session;
+
+// The lobby service on one TCP port: accepts connections, gives each a session, passes
+// what they send to the handler of its area, and announces every departure. Everything runs
+// on the event loop of the thread it lives on.
+//
+// The lobby and the rooms are readable for other services of the process (the web pages),
+// and router() takes further message handlers (the statistics uploads).
+class LobbyServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    LobbyServer(const LobbyConfig &config, AccountStore &accounts, BuddyStore &buddies,
+                DiagnosticStore &diagnostics, PasswordWorker &passwords, const Clock &clock,
+                QObject *parent = nullptr);
+    ~LobbyServer() override;
+
+    bool listen(const QHostAddress &address, quint16 port);
+    QString errorString() const { return m_server.errorString(); }
+    quint16 serverPort() const { return m_server.serverPort(); }
+
+    const Lobby &lobby() const { return m_lobby; }
+    const RoomRegistry &rooms() const { return m_rooms; }
+    MessageRouter &router() { return m_router; }
+
+private:
+    void acceptConnections();
+    void dispatch(Session &session, const protocol::Message &message);
+    // Ends a session once: the player leaves his room and the lobby hears "RN".
+    void endSession(Session &session);
+
+    LobbyConfig m_config;
+    QTcpServer m_server;
+    Lobby m_lobby;
+    RoomRegistry m_rooms;
+    LoginThrottle m_throttle;
+    MessageRouter m_router;
+    LoginHandler m_login;
+    PresenceHandler m_presence;
+    ChatHandler m_chat;
+    RoomHandler m_roomHandler;
+};
+
+} // namespace server

@@ -1,0 +1,77 @@
+#include "server/accountstore.h"
+#include "server/admincommands.h"
+#include "server/buddystore.h"
+#include "server/clock.h"
+#include "server/database.h"
+#include "server/diagnosticstore.h"
+#include "server/filelimit.h"
+#include "server/lobbyserver.h"
+#include "server/passwordhash.h"
+#include "server/serveroptions.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream &err)
+{
+    server::raiseOpenFileLimit();
+    server::Database database;
+    if (!database.open(options.databasePath)) {
+        err << "quorvel-server: cannot open the database " << options.databasePath << ": "
+            << database.errorString() << '\n';
+        return 1;
+    }
+    server::AccountStore accounts(database);
+    server::BuddyStore buddies(database);
+    server::DiagnosticStore diagnostics(database);
+    server::PasswordWorker passwords;
+    server::SteadyClock clock;
+    server::LobbyServer lobby(options.lobby, accounts, buddies, diagnostics, passwords, clock);
+    if (!lobby.listen(options.listenAddress, options.port)) {
+        err << "quorvel-server: cannot listen on " << options.listenAddress.toString() << ':'
+            << options.port << ": " << lobby.errorString() << '\n';
+        return 1;
+    }
+    QString shown = options.listenAddress.toString();
+    if (options.listenAddress.protocol() == QAbstractSocket::IPv6Protocol)
+        shown = QLatin1Char('[') + shown + QLatin1Char(']');
+    out << "lobby listening on " << shown << ':' << lobby.serverPort() << Qt::endl;
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("quorvel-server"));
+    // A client that vanishes mid-write must not end the server.
+    std::signal(SIGPIPE, SIG_IGN);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+
+    const server::ParsedCommandLine parsed = server::parseCommandLine(app.arguments());
+    if (const auto *help = std::get_if<server::HelpRequest>(&parsed)) {
+        out << help->text;
+        return 0;
+    }
+    if (const auto *error = std::get_if<server::OptionsError>(&parsed)) {
+        err << "quorvel-server: " << error->message << '\n';
+        return 2;
+    }
+    if (const auto *command = std::get_if<server::AdminCommand>(&parsed)) {
+        server::Database database;
+        if (!database.open(command->databasePath)) {
+            err << "quorvel-server: cannot open the database " << command->databasePath << ": "
+                << database.errorString() << '\n';
+            return 1;
+        }
+        server::AccountStore accounts(database);
+        return server::runAdminCommand(*command, accounts, out, err);
+    }
+    return runLobby(std::get<server::ServerOptions>(parsed), out, err);
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QThreadPool>
+#include <functional>
+
+namespace server {
+
+// Argon2id through libsodium. The cost (2 passes over 19 MiB) is written into each hash, so
+// verification follows the cost a password was stored with.
+QByteArray hashPassword(const QString &password); // empty on failure
+bool verifyPassword(const QByteArray &hash, const QString &password);
+
+// Runs the hashing off the event loop: one hash takes tens of milliseconds, and the lobby
+// must keep serving everyone else meanwhile. Results come back on the thread of `context`
+// and are dropped when `context` is gone by then. Create it on the event loop's thread.
+class PasswordWorker
+{
+public:
+    explicit PasswordWorker(int threads = 2);
+    ~PasswordWorker();
+
+    void hash(const QString &password, QObject *context,
+              std::function<void(const QByteArray &hash)> done);
+    void verify(const QByteArray &hash, const QString &password, QObject *context,
+                std::function<void(bool accepted)> done);
+
+private:
+    QObject m_receiver; // lives on the creating thread; results are posted to it
+    QThreadPool m_pool; // declared last: destroyed (and drained) first
+};
+
+} // namespace server

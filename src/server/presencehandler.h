@@ -1,0 +1,23 @@
+#pragma once
+
+namespace server {
+
+class AccountStore;
+class BuddyStore;
+class Lobby;
+class MessageRouter;
+
+// Players' presence ("PS") and buddy lists ("BA", "BR").
+class PresenceHandler
+{
+public:
+    PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStore &buddies);
+    void registerWith(MessageRouter &router);
+
+private:
+    Lobby &m_lobby;
+    AccountStore &m_accounts;
+    BuddyStore &m_buddies;
+};
+
+} // namespace server

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "server/lobbyconfig.h"
+
+#include <QHostAddress>
+#include <QString>
+#include <QStringList>
+#include <optional>
+#include <variant>
+
+namespace server {
+
+// The command line of a running server.
+struct ServerOptions
+{
+    QHostAddress listenAddress{QHostAddress::Any};
+    quint16 port = 20000;
+    // The web pages' port: parsed and kept for the web front end, which this process does
+    // not serve yet.
+    quint16 httpPort = 80;
+    QString databasePath;
+    LobbyConfig lobby;
+};
+
+// An admin command on the database: "account add|password|moderator|list".
+struct AdminCommand
+{
+    enum class Kind { Add, Password, Moderator, List };
+    Kind kind = Kind::List;
+    QString name;
+    QString password;
+    QString email;
+    bool moderator = false;
+    std::optional<int> chatColour;
+    QString databasePath;
+};
+
+struct HelpRequest
+{
+    QString text;
+};
+
+struct OptionsError
+{
+    QString message;
+};
+
+using ParsedCommandLine = std::variant<ServerOptions, AdminCommand, HelpRequest, OptionsError>;
+
+// `arguments` includes the program name first, as QCoreApplication::arguments() gives it.
+ParsedCommandLine parseCommandLine(const QStringList &arguments);
+
+// The database when no --db is given: in the user's data folder.
+QString defaultDatabasePath();
+
+} // namespace server

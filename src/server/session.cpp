@@ -1,0 +1,26 @@
+#include "server/session.h"
+
+#include "server/connection.h"
+
+namespace server {
+
+Session::Session(Connection *connection, QObject *parent)
+    : QObject(parent), m_connection(connection)
+{
+    m_connection->setParent(this);
+    m_loginDeadline.setSingleShot(true);
+    connect(&m_loginDeadline, &QTimer::timeout, this, &Session::loginDeadlinePassed);
+}
+
+void Session::send(const QByteArray &bytes) const
+{
+    m_connection->send(bytes);
+}
+
+void Session::startLoginDeadline(int ms)
+{
+    if (ms > 0)
+        m_loginDeadline.start(ms);
+}
+
+} // namespace server
