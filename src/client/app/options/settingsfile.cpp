@@ -66,13 +66,16 @@ void parse(const QByteArray &content, Options &options)
     if (!lines.isEmpty() && lines.last().isEmpty())
         lines.removeLast();
 
-    using Setter = void (Options::*)(bool);
-    const Setter checks[] = {&Options::setAutoStart, &Options::setAutoLogIn, &Options::setSound,
-                             &Options::setReset};
-    for (int i = 0; i < 4 && i < lines.size(); ++i) {
-        if (const auto value = checkValue(lines[i]))
-            (options.*checks[i])(*value);
-    }
+    const auto readCheck = [&lines, &options](int line, void (Options::*set)(bool)) {
+        if (line >= lines.size())
+            return;
+        if (const auto value = checkValue(lines[line]))
+            (options.*set)(*value);
+    };
+    readCheck(0, &Options::setAutoStart);
+    readCheck(1, &Options::setAutoLogIn);
+    readCheck(2, &Options::setSound);
+    readCheck(3, &Options::setReset);
     if (lines.size() > 4)
         options.setHotKeyTag(trimBlanks(lines[4]));
     if (lines.size() > 5)
