@@ -23,6 +23,12 @@ Account readAccount(const QSqlQuery &query)
     account.chatColour = query.value(5).toInt();
     return account;
 }
+
+QString notNull(const QString &text)
+{
+    // QtSql binds a null QString as SQL NULL.
+    return text.isNull() ? QStringLiteral("") : text;
+}
 } // namespace
 
 AccountStore::AccountStore(Database &database) : m_database(database) {}
@@ -56,7 +62,7 @@ std::optional<Account> AccountStore::create(const QString &name, const QByteArra
     query.addBindValue(name);
     query.addBindValue(nameKey(name));
     query.addBindValue(QString::fromLatin1(passwordHash));
-    query.addBindValue(email);
+    query.addBindValue(notNull(email));
     query.addBindValue(QDateTime::currentDateTimeUtc().toString(Qt::ISODate));
     if (!query.exec())
         return std::nullopt;

@@ -16,7 +16,7 @@ bool DiagnosticStore::add(int senderId, const QString &text, const QDateTime &re
         QStringLiteral("INSERT INTO diagnostics (sender_id, received, text) VALUES (?, ?, ?)"));
     query.addBindValue(senderId);
     query.addBindValue(received.toUTC().toString(Qt::ISODateWithMs));
-    query.addBindValue(text);
+    query.addBindValue(text.isNull() ? QStringLiteral("") : text); // null binds as NULL
     return query.exec();
 }
 
