@@ -22,6 +22,8 @@ public:
 
     bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
     bool waitForDisconnected(int timeoutMs = 5000);
+    // Closes the connection from the client's side, as a client that quits does.
+    void close() { m_socket.disconnectFromHost(); }
 
     void send(protocol::Code code, const QStringList &fields = {});
     void sendRaw(const QByteArray &bytes);
