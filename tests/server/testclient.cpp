@@ -32,7 +32,9 @@ void TestClient::sendRaw(const QByteArray &bytes)
 
 void TestClient::readAvailable()
 {
-    m_buffer.append(m_socket.readAll());
+    const QByteArray bytes = m_socket.readAll();
+    m_raw += bytes;
+    m_buffer.append(bytes);
     while (const auto frame = m_buffer.next()) {
         const int count =
             protocol::fieldCount(frame->code, protocol::Direction::ToClient).value_or(0);
@@ -48,6 +50,13 @@ qsizetype TestClient::indexOf(protocol::Code code) const
             return i;
     }
     return -1;
+}
+
+bool TestClient::hasPending(protocol::Code code, const QString &first) const
+{
+    return std::any_of(m_messages.cbegin(), m_messages.cend(), [&](const protocol::Message &m) {
+        return m.code == code && m.field(0) == first;
+    });
 }
 
 std::optional<protocol::Message> TestClient::take(protocol::Code code, int timeoutMs)
@@ -117,4 +126,25 @@ std::optional<protocol::Message> TestClient::login(const QString &name, const QS
         QTest::qWait(2);
     }
     return std::nullopt;
+}
+
+bool TestClient::receivedOnlyWellFormed() const
+{
+    qsizetype start = 0;
+    while (start < m_raw.size()) {
+        const qsizetype end = m_raw.indexOf(protocol::kTerminator, start);
+        if (end < 0)
+            return false;
+        const QByteArrayView message = QByteArrayView(m_raw).sliced(start, end - start);
+        const std::optional<protocol::Code> code =
+            protocol::codeAt(message, protocol::Direction::ToClient);
+        if (!code)
+            return false;
+        const int count = *protocol::fieldCount(*code, protocol::Direction::ToClient);
+        const qsizetype separators = message.sliced(2).count(protocol::kSeparator);
+        if (count == 0 ? message.size() != 2 : separators != count - 1)
+            return false;
+        start = end + 1;
+    }
+    return true;
 }

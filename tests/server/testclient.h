@@ -34,9 +34,15 @@ public:
     QList<protocol::Message> takeCount(protocol::Code code, int count, int timeoutMs = 5000);
     // Lets the server run for `ms`, then removes and returns every message with `code`.
     QList<protocol::Message> takeAllAfter(protocol::Code code, int ms = 300);
+    // Whether a message with `code` and first field `first` has arrived and is not taken.
+    bool hasPending(protocol::Code code, const QString &first) const;
     // Everything received and not taken, in order.
     const QList<protocol::Message> &pending() const { return m_messages; }
     void clear() { m_messages.clear(); }
+
+    // True when every byte received so far forms complete messages of known codes, each
+    // with exactly its field count: nothing for a client to skip or misread.
+    bool receivedOnlyWellFormed() const;
 
     // "VE" with `version`; true when "SL" comes back.
     bool greet(const QString &version = QStringLiteral("V 6.0"));
@@ -50,4 +56,5 @@ private:
     QTcpSocket m_socket;
     protocol::FrameBuffer m_buffer{protocol::Direction::ToClient};
     QList<protocol::Message> m_messages;
+    QByteArray m_raw;
 };

@@ -2,6 +2,9 @@
 
 #include "testclient.h"
 
+#include <QDeadlineTimer>
+#include <QTest>
+
 TestLobby::TestLobby(server::LobbyConfig config)
 {
     m_database.open(m_dir.filePath(QStringLiteral("lobby.sqlite")));
@@ -27,7 +30,16 @@ TestClient *TestLobby::loggedIn(const QString &name)
     if (!m_accounts.findByName(name))
         addAccount(name);
     TestClient *client = connected();
-    return client->login(name, QStringLiteral("pw")) ? client : nullptr;
+    if (!client->login(name, QStringLiteral("pw")))
+        return nullptr;
+    for (TestClient *other : std::as_const(m_loggedIn)) {
+        QDeadlineTimer deadline(5000);
+        while (other->isConnected() && !other->hasPending(protocol::Code::AddPlayer, name) &&
+               !deadline.hasExpired())
+            QTest::qWait(2);
+    }
+    m_loggedIn.append(client);
+    return client;
 }
 
 TestClient *TestLobby::connected()

@@ -35,7 +35,8 @@ public:
                    const QString &email = QString());
 
     // A new client, owned by the test lobby, logged in as `name` (created when missing).
-    // nullptr when the login fails.
+    // Returns once the players logged in before have heard of it. nullptr when the login
+    // fails.
     TestClient *loggedIn(const QString &name);
     // A new connected client that has not said anything yet.
     TestClient *connected();
@@ -50,5 +51,6 @@ private:
     server::ManualClock m_clock;
     std::unique_ptr<server::LobbyServer> m_server;
     std::vector<std::unique_ptr<TestClient>> m_clients;
+    QList<TestClient *> m_loggedIn;
     bool m_listening = false;
 };
