@@ -71,7 +71,6 @@ void RoomListModel::setIcon(int row, IconIndex icon)
 {
     setData(index(row, 0), int(icon), IconRole);
     setData(index(row, 0), Icons::smallIcon(int(icon)), Qt::DecorationRole);
-    Q_EMIT iconChanged(row);
 }
 
 int RoomListModel::findRoomRow(const QString &host) const

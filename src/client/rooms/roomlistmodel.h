@@ -52,10 +52,6 @@ public:
     Qt::SortOrder sortOrder() const { return m_order; }
     int sortKey() const { return m_sortColumn; }
 
-Q_SIGNALS:
-    // Emitted for every icon change, so that views can pick the picture of an index.
-    void iconChanged(int row);
-
 private:
     void resort();
 
