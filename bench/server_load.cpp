@@ -55,8 +55,10 @@ class LoadClient : public QObject
 public:
     LoadClient(QString name, ChatRecord &chat) : m_name(std::move(name)), m_chat(chat)
     {
-        connect(&m_socket, &QTcpSocket::connected, this,
-                [this] { m_socket.write(protocol::buildMessage(Code::Version, {"V 6.0"})); });
+        connect(&m_socket, &QTcpSocket::connected, this, [this] {
+            m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+            m_socket.write(protocol::buildMessage(Code::Version, {"V 6.0"}));
+        });
         connect(&m_socket, &QTcpSocket::readyRead, this, [this] { read(); });
         connect(&m_socket, &QTcpSocket::disconnected, this, [this] { m_dropped = true; });
     }

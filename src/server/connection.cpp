@@ -20,8 +20,6 @@ Connection::Connection(QTcpSocket *socket, QObject *parent)
     : QObject(parent), m_socket(socket), m_peerAddress(addressText(socket->peerAddress()))
 {
     m_socket->setParent(this);
-    // Bounded reads: the limit on a pending message is checked before more is taken in.
-    m_socket->setReadBufferSize(kReadChunk * 4);
     m_silence.setSingleShot(true);
     connect(&m_silence, &QTimer::timeout, this, [this] {
         m_closing = true;
@@ -77,6 +75,7 @@ void Connection::readAvailable()
         return;
     if (m_silence.isActive())
         m_silence.start();
+    // Bounded reads: the limit on a pending message is checked before more is taken in.
     while (!m_closing && m_socket->bytesAvailable() > 0) {
         m_buffer.append(m_socket->read(kReadChunk));
         while (!m_closing) {
