@@ -2,7 +2,10 @@
 #include "client/app/clientapplication.h"
 #include "client/app/clock.h"
 #include "client/app/lobbyaddress.h"
+#include "client/game/tickcount.h"
 #include "client/platform/datafolder.h"
+#include "client/platform/dialogs.h"
+#include "client/platform/registrylinux.h"
 #include "client/platform/soundplayer.h"
 #include "client/platform/trayservice.h"
 
@@ -61,7 +64,12 @@ int main(int argc, char *argv[])
     SystemTrayService tray;
     EffectSoundPlayer sounds;
     SystemClock clock;
-    ClientApplication client({&tray, &sounds, &clock}, servers);
+    SystemTickCount ticks;
+    LinuxRegistry registry(LinuxRegistry::defaultPaths(dataFolder));
+    QtDialogs dialogs;
+    ClientApplication client(
+        {&tray, &sounds, &clock, &ticks, &registry, &dialogs, LinuxRegistry::defaultWinePrefix()},
+        servers);
     if (!client.start())
         return 1;
     if (changed)

@@ -1,6 +1,8 @@
 #include "client/app/appwindows.h"
 
+#include "client/app/options/frmoptions.h"
 #include "client/app/plainwindow.h"
+#include "client/game/frmgameinfo.h"
 #include "client/lobby/frmlogin.h"
 
 AppWindows::AppWindows(Factories factories, QObject *parent)
@@ -9,6 +11,41 @@ AppWindows::AppWindows(Factories factories, QObject *parent)
       m_pager(std::move(factories.pager)), m_makeRoom(std::move(factories.makeRoom)),
       m_gameInfo(std::move(factories.gameInfo))
 {
+}
+
+FrmLogIn *AppWindows::frmLogIn()
+{
+    return m_logIn.get();
+}
+
+FrmOptions *AppWindows::frmOptions()
+{
+    return m_options.get();
+}
+
+PlainWindow *AppWindows::frmRoom()
+{
+    return m_room.get();
+}
+
+PlainWindow *AppWindows::frmMenu()
+{
+    return m_menu.get();
+}
+
+PlainWindow *AppWindows::frmPager()
+{
+    return m_pager.get();
+}
+
+PlainWindow *AppWindows::frmMakeRoom()
+{
+    return m_makeRoom.get();
+}
+
+FrmGameInfo *AppWindows::frmGameInfo()
+{
+    return m_gameInfo.get();
 }
 
 template <typename Window> void AppWindows::unload(WindowSlot<Window> &slot)

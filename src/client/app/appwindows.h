@@ -4,7 +4,9 @@
 
 #include <QObject>
 
+class FrmGameInfo;
 class FrmLogIn;
+class FrmOptions;
 class PlainWindow;
 
 // The program's windows besides the main window. Each exists at most once and is created the
@@ -18,23 +20,23 @@ public:
     struct Factories
     {
         std::function<FrmLogIn *()> logIn;
-        std::function<QWidget *()> options;
+        std::function<FrmOptions *()> options;
         std::function<PlainWindow *()> room;
         std::function<PlainWindow *()> menu;
         std::function<PlainWindow *()> pager;
         std::function<PlainWindow *()> makeRoom;
-        std::function<QWidget *()> gameInfo;
+        std::function<FrmGameInfo *()> gameInfo;
     };
 
     explicit AppWindows(Factories factories, QObject *parent = nullptr);
 
-    FrmLogIn *frmLogIn() { return m_logIn.get(); }
-    QWidget *frmOptions() { return m_options.get(); }
-    PlainWindow *frmRoom() { return m_room.get(); }
-    PlainWindow *frmMenu() { return m_menu.get(); }
-    PlainWindow *frmPager() { return m_pager.get(); }
-    PlainWindow *frmMakeRoom() { return m_makeRoom.get(); }
-    QWidget *frmGameInfo() { return m_gameInfo.get(); }
+    FrmLogIn *frmLogIn();
+    FrmOptions *frmOptions();
+    PlainWindow *frmRoom();
+    PlainWindow *frmMenu();
+    PlainWindow *frmPager();
+    PlainWindow *frmMakeRoom();
+    FrmGameInfo *frmGameInfo();
 
     bool isLoginLoaded() const { return m_logIn.isLoaded(); }
     bool isRoomLoaded() const { return m_room.isLoaded(); }
@@ -52,10 +54,10 @@ private:
     template <typename Window> void unload(WindowSlot<Window> &slot);
 
     WindowSlot<FrmLogIn> m_logIn;
-    WindowSlot<QWidget> m_options;
+    WindowSlot<FrmOptions> m_options;
     WindowSlot<PlainWindow> m_room;
     WindowSlot<PlainWindow> m_menu;
     WindowSlot<PlainWindow> m_pager;
     WindowSlot<PlainWindow> m_makeRoom;
-    WindowSlot<QWidget> m_gameInfo;
+    WindowSlot<FrmGameInfo> m_gameInfo;
 };

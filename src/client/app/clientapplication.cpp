@@ -4,78 +4,112 @@
 #include "client/app/clock.h"
 #include "client/app/eventsounds.h"
 #include "client/app/form1.h"
+#include "client/app/options/autostart.h"
+#include "client/app/options/basregistry.h"
+#include "client/app/options/frmoptions.h"
+#include "client/app/options/options.h"
+#include "client/app/options/optionsstore.h"
+#include "client/app/picturebutton.h"
 #include "client/app/plainwindow.h"
 #include "client/app/sessionlooks.h"
 #include "client/app/sessionstate.h"
 #include "client/app/traycontroller.h"
+#include "client/game/defaultgamefolders.h"
+#include "client/game/frmgameinfo.h"
+#include "client/game/gameinfo.h"
+#include "client/game/gameserverquery.h"
 #include "client/lobby/frmlogin.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
 #include "client/platform/datafolder.h"
+#include "client/platform/dialogs.h"
 #include "client/platform/trayservice.h"
+#include "client/presence/lobbychat.h"
+#include "client/presence/playerlisthandlers.h"
+#include "client/presence/playerlistmodel.h"
+#include "client/presence/playerlistview.h"
+#include "client/presence/presence.h"
+#include "client/rooms/roomlisthandlers.h"
 #include "client/rooms/roomlistmodel.h"
+#include "client/rooms/roomlistview.h"
 
-#include "client/app/picturebutton.h"
-
+#include <QDir>
 #include <QLabel>
-#include <QMessageBox>
+#include <QLineEdit>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QTreeView>
 
 ClientApplication::ClientApplication(Services services, ServerAddresses servers, QObject *parent)
-    : QObject(parent), m_services(services), m_servers(std::move(servers)),
-      m_session(new SessionState(this)), m_dispatcher(new LobbyDispatcher(this)),
+    : QObject(parent), m_services(std::move(services)), m_servers(std::move(servers)),
+      m_dataFolder(DataFolder::path().value_or(QString())), m_session(new SessionState(this)),
+      m_dispatcher(new LobbyDispatcher(this)),
       m_connection(new LobbyConnection(*m_dispatcher, this)), m_rooms(new RoomListModel(this)),
-      m_form(std::make_unique<Form1>())
+      m_players(new PlayerListModel(this)), m_options(new Options(this)),
+      m_basRegistry(std::make_unique<BasRegistry>(*m_services.registry)),
+      m_optionsStore(std::make_unique<OptionsStore>(
+          *m_options, m_dataFolder, DefaultGameFolders::forWinePrefix(m_services.winePrefix), *m_services.dialogs)),
+      m_form(std::make_unique<Form1>()), m_gameInfo(new GameInfo(this))
 {
+    // Built before the settings are loaded, so that loading a ticked Autostart writes the Run
+    // value.
+    m_autoStart = new AutoStart(*m_options, *m_basRegistry, AutoStart::currentProgram(), this);
     m_sounds = new EventSounds(
-        *m_services.sounds, [] { return false; }, [] { return QString(); }, this);
+        *m_services.sounds, [this] { return m_options->sound(); },
+        [this] { return m_options->pathRS(); }, this);
     m_looks = new SessionLooks(*m_form, *m_services.tray, *m_session, this);
+
+    buildLobby();
     buildWindows();
+    buildTray();
+    buildLogin();
 
-    m_form->ListView1->setModel(m_rooms);
-
-    TrayController::Hooks trayHooks;
-    m_tray = new TrayController(*m_services.tray, *m_form, *m_session, *m_connection,
-                                std::move(trayHooks), this);
-
-    LoginController::Hooks loginHooks;
-    loginHooks.statusLine = [this](const QString &text) { statusLine(text); };
-    loginHooks.emptyRoomList = [this] { m_rooms->clearRows(); };
-    loginHooks.emptyPlayerList = [] {};
-    loginHooks.resetPlayerList = [] {};
-    loginHooks.credentials = [this] { return m_windows->frmLogIn()->credentials(); };
-    loginHooks.unloadLoginWindow = [this] { m_windows->unloadLogIn(); };
-    loginHooks.clientVersion = [this] { return m_form->Label3->text(); };
-    m_login =
-        new LoginController(*m_connection, *m_dispatcher, *m_session, *m_sounds,
-                            *m_form->tmrReconnet, *m_form->Timer1, std::move(loginHooks), this);
-    connect(m_form->picLogIn, &QAbstractButton::clicked, m_login,
-            &LoginController::picLogInClicked);
-    connect(m_login, &LoginController::loginDialogRequested, this,
-            [this] { m_windows->frmLogIn()->showModal(); });
-    connect(m_login, &LoginController::statsIdReceived, this, [this](const QString &id) {
-        m_form->picViewStats->setTag(id);
-        m_form->picViewStats->show();
+    connect(m_options, &Options::resetChanged, m_form->tmrStatsReset, [this](bool on) {
+        on ? m_form->tmrStatsReset->start() : m_form->tmrStatsReset->stop();
     });
-
+    connect(m_form->picOptions, &QAbstractButton::clicked, this, [this] {
+        FrmOptions *window = m_windows->frmOptions();
+        window->setWindowModality(Qt::ApplicationModal);
+        window->show();
+        window->raise();
+    });
     connect(m_form.get(), &Form1::unloading, this, &ClientApplication::shutDown);
 }
 
 ClientApplication::~ClientApplication() = default;
 
+void ClientApplication::buildLobby()
+{
+    m_chat = new LobbyChat(m_form->txtChat, m_form->txtChatSend, m_form->Picture3, *m_connection,
+                           *m_session, *m_services.clock, this);
+    m_chat->registerHandler(*m_dispatcher);
+
+    configurePlayerListView(*m_form->ListView2, *m_players);
+    m_playerHandlers = new PlayerListHandlers(*m_players, *m_dispatcher, this);
+
+    setUpRoomListView(*m_form->ListView1, *m_rooms);
+    m_roomHandlers = new RoomListHandlers(
+        *m_rooms, *m_dispatcher,
+        [this](const QString &address) { return m_players->hasGameAddress(address); }, this);
+    connect(m_playerHandlers, &PlayerListHandlers::addGameRowRequested, m_roomHandlers,
+            &RoomListHandlers::addGameRow);
+    connect(m_playerHandlers, &PlayerListHandlers::removeGameRowRequested, m_roomHandlers,
+            &RoomListHandlers::removeGameRow);
+}
+
 void ClientApplication::buildWindows()
 {
     AppWindows::Factories factories;
     factories.logIn = [this] {
-        auto *window =
-            new FrmLogIn(DataFolder::filePath(QString::fromLatin1(CredentialsFile::kFileName)));
+        auto *window = new FrmLogIn(
+            QDir(m_dataFolder).filePath(QString::fromLatin1(CredentialsFile::kFileName)));
         connect(window, &FrmLogIn::loginRequested, m_login, &LoginController::loginPressed);
         return window;
     };
-    factories.options = [] {
-        return new PlainWindow(QStringLiteral("frmOptions"), QStringLiteral("Options"), {360, 300});
+    factories.options = [this] {
+        loadOptions();
+        return new FrmOptions(*m_options, *m_optionsStore, *m_services.dialogs);
     };
     factories.room = [] {
         return new PlainWindow(QStringLiteral("frmRoom"), QStringLiteral("Room"), {520, 400});
@@ -90,25 +124,78 @@ void ClientApplication::buildWindows()
         return new PlainWindow(QStringLiteral("frmMakeRoom"), QStringLiteral("Create room"),
                                {300, 160});
     };
-    factories.gameInfo = [] {
-        return new PlainWindow(QStringLiteral("frmGameInfo"), QStringLiteral("Game Info"),
-                               {300, 360});
-    };
+    factories.gameInfo = [this] { return new FrmGameInfo(*m_gameInfo); };
     m_windows = new AppWindows(std::move(factories), this);
+
+    connect(m_gameInfo, &GameInfo::showRequested, this, [this] {
+        FrmGameInfo *window = m_windows->frmGameInfo();
+        window->show();
+        window->raise();
+    });
 }
 
-void ClientApplication::statusLine(const QString &text)
+void ClientApplication::buildTray()
 {
-    m_form->txtChat->append(text);
+    TrayController::Hooks hooks;
+    hooks.sendPresence = [this](const QString &status) {
+        sendPresence(*m_connection,
+                     status == QLatin1String("1") ? Presence::Away : Presence::Lobby);
+    };
+    m_tray = new TrayController(*m_services.tray, *m_form, *m_session, *m_connection,
+                                std::move(hooks), this);
+}
+
+void ClientApplication::buildLogin()
+{
+    LoginController::Hooks hooks;
+    hooks.statusLine = [this](const QString &text) { m_chat->addStatusLine(text); };
+    hooks.emptyRoomList = [this] { m_rooms->clearRows(); };
+    hooks.emptyPlayerList = [this] { m_players->clearList(); };
+    hooks.resetPlayerList = [this] {
+        m_players->clearList();
+        m_players->addGroupRows();
+    };
+    hooks.credentials = [this] { return m_windows->frmLogIn()->credentials(); };
+    hooks.unloadLoginWindow = [this] { m_windows->unloadLogIn(); };
+    hooks.clientVersion = [this] { return m_form->Label3->text(); };
+    m_login = new LoginController(*m_connection, *m_dispatcher, *m_session, *m_sounds,
+                                  *m_form->tmrReconnet, *m_form->Timer1, std::move(hooks), this);
+    connect(m_form->picLogIn, &QAbstractButton::clicked, m_login,
+            &LoginController::picLogInClicked);
+    connect(m_login, &LoginController::loginDialogRequested, this,
+            [this] { m_windows->frmLogIn()->showModal(); });
+    connect(m_login, &LoginController::statsIdReceived, this, [this](const QString &id) {
+        m_form->picViewStats->setTag(id);
+        m_form->picViewStats->show();
+    });
+}
+
+void ClientApplication::startGameQuery()
+{
+    m_gameQuery = new GameServerQuery(*m_rooms, *m_gameInfo, *m_services.ticks, this);
+    connect(m_roomHandlers, &RoomListHandlers::gameRowAdded, m_gameQuery,
+            &GameServerQuery::pingGameServer);
+    connect(m_form->picRefreshPings, &QAbstractButton::clicked, m_gameQuery,
+            &GameServerQuery::refreshPings);
+}
+
+void ClientApplication::loadOptions()
+{
+    // The options are read once, the first time anything needs them.
+    if (m_optionsLoaded)
+        return;
+    m_optionsLoaded = true;
+    m_optionsStore->load();
 }
 
 bool ClientApplication::start()
 {
-    if (!DataFolder::ensureExists()) {
-        QMessageBox::critical(nullptr, QStringLiteral("QUORVEL"),
-                              QStringLiteral("Error %1: %2")
-                                  .arg(DataFolder::kNotFoundError)
-                                  .arg(QLatin1String(DataFolder::kNotFoundMessage)));
+    if (m_dataFolder.isEmpty() || !DataFolder::ensureExists()) {
+        m_services.dialogs->messageBox(applicationTitle(),
+                                       QStringLiteral("Error %1 in SpecialFolder: %2")
+                                           .arg(DataFolder::kNotFoundError)
+                                           .arg(QLatin1String(DataFolder::kNotFoundMessage)),
+                                       Dialogs::Buttons::Ok, Dialogs::Icon::Critical);
         return false;
     }
     m_form->showAtNormalSize();
@@ -117,11 +204,17 @@ bool ClientApplication::start()
     const HostPort web = m_servers.webOrLobbyHost();
     m_session->webHost = web.host;
     m_session->webPort = web.port;
+    // The "update" installation of a downloaded client belongs here, once self-update exists.
+    startGameQuery();
     m_session->textSendTime = m_services.clock->now();
     m_session->inGame = false;
     m_session->exitPager = false;
     m_session->keepAliveTicks = 1;
     m_tray->addIcon();
+    loadOptions();
+    m_autoStart->applyRunValue();
+    if (m_options->autoLogIn())
+        m_login->autoLogin();
     return true;
 }
 

@@ -6,16 +6,29 @@
 #include <memory>
 
 class AppWindows;
+class AutoStart;
+class BasRegistry;
 class Clock;
+class Dialogs;
 class EventSounds;
 class Form1;
+class GameInfo;
+class GameServerQuery;
+class LobbyChat;
 class LobbyConnection;
 class LobbyDispatcher;
 class LoginController;
+class Options;
+class OptionsStore;
+class PlayerListHandlers;
+class PlayerListModel;
+class Registry;
+class RoomListHandlers;
 class RoomListModel;
 class SessionLooks;
 class SessionState;
 class SoundPlayer;
+class TickCount;
 class TrayController;
 class TrayService;
 
@@ -27,12 +40,17 @@ class ClientApplication : public QObject
     Q_OBJECT
 
 public:
-    // Platform services are passed in so that tests can give their own.
+    // The operating-system services, owned by the caller; tests give their own.
     struct Services
     {
-        TrayService *tray = nullptr;   // owned by the caller
-        SoundPlayer *sounds = nullptr; // owned by the caller
-        const Clock *clock = nullptr;  // owned by the caller
+        TrayService *tray = nullptr;
+        SoundPlayer *sounds = nullptr;
+        const Clock *clock = nullptr;
+        const TickCount *ticks = nullptr;
+        Registry *registry = nullptr;
+        Dialogs *dialogs = nullptr;
+        // The Wine prefix the games are installed in.
+        QString winePrefix;
     };
 
     ClientApplication(Services services, ServerAddresses servers, QObject *parent = nullptr);
@@ -41,35 +59,54 @@ public:
     // The start-up sequence. False (after telling the user) when the program cannot start.
     bool start();
 
-    // Shows a status line in the lobby chat.
-    void statusLine(const QString &text);
-
     SessionState &session() { return *m_session; }
     Form1 &form() { return *m_form; }
     AppWindows &windows() { return *m_windows; }
     LobbyConnection &connection() { return *m_connection; }
     LobbyDispatcher &dispatcher() { return *m_dispatcher; }
     LoginController &login() { return *m_login; }
+    LobbyChat &chat() { return *m_chat; }
+    Options &options() { return *m_options; }
     RoomListModel &rooms() { return *m_rooms; }
+    PlayerListModel &players() { return *m_players; }
+    // Exists from start-up step 5 on.
+    GameServerQuery *gameQuery() { return m_gameQuery; }
 
 Q_SIGNALS:
     // The shut-down ran; the program ends when the event loop has destroyed the windows.
     void shutDownFinished();
 
 private:
+    void buildLobby();
     void buildWindows();
+    void buildTray();
+    void buildLogin();
+    void startGameQuery();
+    void loadOptions();
     void shutDown();
 
     Services m_services;
     ServerAddresses m_servers;
+    QString m_dataFolder;
     SessionState *m_session;
     LobbyDispatcher *m_dispatcher;
     LobbyConnection *m_connection;
     RoomListModel *m_rooms;
+    PlayerListModel *m_players;
+    Options *m_options;
+    std::unique_ptr<BasRegistry> m_basRegistry;
+    std::unique_ptr<OptionsStore> m_optionsStore;
     std::unique_ptr<Form1> m_form;
+    GameInfo *m_gameInfo;
+    AutoStart *m_autoStart = nullptr;
     AppWindows *m_windows = nullptr;
     EventSounds *m_sounds = nullptr;
     SessionLooks *m_looks = nullptr;
     TrayController *m_tray = nullptr;
     LoginController *m_login = nullptr;
+    LobbyChat *m_chat = nullptr;
+    PlayerListHandlers *m_playerHandlers = nullptr;
+    RoomListHandlers *m_roomHandlers = nullptr;
+    GameServerQuery *m_gameQuery = nullptr;
+    bool m_optionsLoaded = false;
 };

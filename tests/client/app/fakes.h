@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/platform/dialogs.h"
 #include "client/platform/soundplayer.h"
 #include "client/platform/trayservice.h"
 
@@ -33,4 +34,23 @@ class RecordingPlayer final : public SoundPlayer
 public:
     void play(const QString &file) override { played << file; }
     QStringList played;
+};
+
+// Answers every dialog at once and remembers what was asked.
+class FakeDialogs final : public Dialogs
+{
+public:
+    QStringList messages;
+    Answer answer = Answer::Ok;
+
+    Answer messageBox(const QString &, const QString &text, Buttons, Icon) override
+    {
+        messages << text;
+        return answer;
+    }
+    QString openFileName(const QString &, const QString &) override { return {}; }
+    QString inputBox(const QString &, const QString &, const QString &, bool) override
+    {
+        return {};
+    }
 };

@@ -5,8 +5,10 @@
 #include "client/app/picturebutton.h"
 #include "client/app/plainwindow.h"
 #include "client/app/sessionstate.h"
+#include "client/game/tickcount.h"
 #include "client/lobby/frmlogin.h"
 #include "client/lobby/lobbyconnection.h"
+#include "client/platform/registrylinux.h"
 #include "fakes.h"
 
 #include <QDir>
@@ -25,7 +27,23 @@ private:
     RecordingPlayer m_player;
     ManualClock m_clock{QDateTime(QDate(2026, 11, 23), QTime(20, 15, 7))};
 
-    ClientApplication::Services services() { return {&m_tray, &m_player, &m_clock}; }
+    SystemTickCount m_ticks;
+    FakeDialogs m_dialogs;
+    std::unique_ptr<LinuxRegistry> m_registry;
+
+    ClientApplication::Services services()
+    {
+        const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+        m_registry = std::make_unique<LinuxRegistry>(
+            LinuxRegistry::defaultPaths(data + QStringLiteral("/Quorvel")));
+        return {&m_tray,
+                &m_player,
+                &m_clock,
+                &m_ticks,
+                m_registry.get(),
+                &m_dialogs,
+                QDir::homePath() + QStringLiteral("/.wine")};
+    }
 
 private Q_SLOTS:
     void startUp()

@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds QUORVEL and starts a lobby server on loopback with a client
+# logged in to it. Each client gets its own data and config folders under the run folder, so
+# nothing of the user's own setup is touched.
+#   scripts/run.sh            the server and one client, logged in as "player1"
+#   scripts/run.sh --second   and a second client, logged in as "player2"
+# Ctrl+C (or closing the clients) stops everything.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+second=0
+for arg in "$@"; do
+    case $arg in
+    --second) second=1 ;;
+    -h | --help)
+        sed -n '2,7p' "$0"
+        exit 0
+        ;;
+    *)
+        echo "unknown option: $arg" >&2
+        exit 2
+        ;;
+    esac
+done
+
+bash scripts/setup.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build build -j "$(nproc)" --target quorvel quorvel-server
+
+run_dir=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-run.XXXXXX")
+pids=()
+cleanup() {
+    for pid in "${pids[@]}"; do
+        kill "$pid" 2>/dev/null || true
+    done
+}
+trap cleanup EXIT INT TERM
+
+build/src/server/quorvel-server --listen 127.0.0.1 --port 0 --http-port 0 \
+    --db "$run_dir/lobby.sqlite" --registration open >"$run_dir/server.log" 2>&1 &
+pids+=($!)
+
+port=""
+for _ in $(seq 100); do
+    port=$(sed -n 's/^lobby listening on .*:\([0-9]\+\)$/\1/p' "$run_dir/server.log")
+    [[ -n $port ]] && break
+    if ! kill -0 "${pids[0]}" 2>/dev/null; then
+        cat "$run_dir/server.log" >&2
+        exit 1
+    fi
+    sleep 0.1
+done
+if [[ -z $port ]]; then
+    echo "the lobby server did not start; see $run_dir/server.log" >&2
+    exit 1
+fi
+echo "lobby server on 127.0.0.1:$port (log: $run_dir/server.log)"
+
+# A client with saved credentials and "Auto login" ticked.
+start_client() {
+    local name=$1 home="$run_dir/$1"
+    mkdir -p "$home/data/Quorvel" "$home/config" "$home/RogueSpear"
+    printf '%s\r\n%s\r\n' "$name" "secret-$name" >"$home/data/Quorvel/user.txt"
+    # Autostart, auto login, sounds, stats-reset key, its key code, Rogue Spear and Black Ops
+    # folders.
+    printf '0\r\n1\r\n0\r\n0\r\n0\r\n%s\r\n\r\n' "$home/RogueSpear" \
+        >"$home/data/Quorvel/settingRS.txt"
+    XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
+        build/src/client/quorvel --lobby "127.0.0.1:$port" >"$home/client.log" 2>&1 &
+    pids+=($!)
+    echo "client $name started (log: $home/client.log)"
+}
+
+start_client player1
+if ((second)); then
+    start_client player2
+fi
+wait "${pids[1]}"
