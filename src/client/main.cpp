@@ -67,9 +67,9 @@ int main(int argc, char *argv[])
     SystemTickCount ticks;
     LinuxRegistry registry(LinuxRegistry::defaultPaths(dataFolder));
     QtDialogs dialogs;
-    ClientApplication client(
-        {&tray, &sounds, &clock, &ticks, &registry, &dialogs, LinuxRegistry::defaultWinePrefix()},
-        servers);
+    ClientApplication client({&tray, &sounds, &clock, &ticks, &registry, &dialogs,
+                              LinuxRegistry::defaultWinePrefix(), dataFolder},
+                             servers);
     if (!client.start())
         return 1;
     if (changed)

@@ -43,13 +43,14 @@
 
 ClientApplication::ClientApplication(Services services, ServerAddresses servers, QObject *parent)
     : QObject(parent), m_services(std::move(services)), m_servers(std::move(servers)),
-      m_dataFolder(DataFolder::path().value_or(QString())), m_session(new SessionState(this)),
+      m_dataFolder(m_services.dataFolder), m_session(new SessionState(this)),
       m_dispatcher(new LobbyDispatcher(this)),
       m_connection(new LobbyConnection(*m_dispatcher, this)), m_rooms(new RoomListModel(this)),
       m_players(new PlayerListModel(this)), m_options(new Options(this)),
       m_basRegistry(std::make_unique<BasRegistry>(*m_services.registry)),
       m_optionsStore(std::make_unique<OptionsStore>(
-          *m_options, m_dataFolder, DefaultGameFolders::forWinePrefix(m_services.winePrefix), *m_services.dialogs)),
+          *m_options, m_dataFolder, DefaultGameFolders::forWinePrefix(m_services.winePrefix),
+          *m_services.dialogs)),
       m_form(std::make_unique<Form1>()), m_gameInfo(new GameInfo(this))
 {
     // Built before the settings are loaded, so that loading a ticked Autostart writes the Run
@@ -190,7 +191,7 @@ void ClientApplication::loadOptions()
 
 bool ClientApplication::start()
 {
-    if (m_dataFolder.isEmpty() || !DataFolder::ensureExists()) {
+    if (m_dataFolder.isEmpty() || !QDir().mkpath(m_dataFolder)) {
         m_services.dialogs->messageBox(applicationTitle(),
                                        QStringLiteral("Error %1 in SpecialFolder: %2")
                                            .arg(DataFolder::kNotFoundError)

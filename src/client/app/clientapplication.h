@@ -51,6 +51,8 @@ public:
         Dialogs *dialogs = nullptr;
         // The Wine prefix the games are installed in.
         QString winePrefix;
+        // The data folder (user.txt, settingRS.txt); empty when the platform has none.
+        QString dataFolder;
     };
 
     ClientApplication(Services services, ServerAddresses servers, QObject *parent = nullptr);

@@ -86,8 +86,6 @@ Form1::Form1(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindow
 
     txtChatSend = new QLineEdit(this);
     txtChatSend->setObjectName(QStringLiteral("txtChatSend"));
-    txtChatSend->setText(QStringLiteral("Type message here and press ENTER"));
-    txtChatSend->setToolTip(QStringLiteral("Enter message and press ENTER"));
     txtChatSend->setGeometry(kLeft, kSendTop, kLeftWidth - 36, kSendHeight);
 
     Picture3 = makeButton("Picture3", QStringLiteral("send"), tr("Send"),

@@ -42,7 +42,8 @@ private:
                 &m_ticks,
                 m_registry.get(),
                 &m_dialogs,
-                QDir::homePath() + QStringLiteral("/.wine")};
+                QDir::homePath() + QStringLiteral("/.wine"),
+                data + QStringLiteral("/Quorvel")};
     }
 
 private Q_SLOTS:
@@ -63,6 +64,9 @@ private Q_SLOTS:
         QCOMPARE(app.session().lobbyPort, quint16(20000));
         QCOMPARE(app.session().webHost, QStringLiteral("localhost"));
         QCOMPARE(app.form().picLogIn->tag(), QStringLiteral("OFFLINE"));
+        // No settings and no game installed: the user is told to choose a game folder.
+        QCOMPARE(m_dialogs.messages,
+                 QStringList{"Could not find path to game, select at least one game in options"});
         QVERIFY(!app.form().picCreateRoom->isVisible());
         QVERIFY(!app.connection().isConnected());
     }
