@@ -22,7 +22,7 @@ void setUpRoomListView(QTreeView &view, RoomListModel &model)
     header->setSectionsClickable(true);
     header->setSortIndicatorShown(false);
     header->setStretchLastSection(true);
-    const int widths[] = {110, 180, 60, 70, 60};
+    const int widths[] = {100, 160, 56, 70, 60};
     for (int c = 0; c < int(std::size(widths)); ++c)
         header->resizeSection(c, widths[c]);
 
