@@ -3,9 +3,9 @@
 #include "client/app/draghandle.h"
 #include "client/app/icons.h"
 #include "client/app/picturebutton.h"
+#include "client/app/windowframe.h"
 
 #include <QLabel>
-#include <QPainter>
 
 PlainWindow::PlainWindow(const QString &objectName, const QString &title, QSize size,
                          QWidget *parent)
@@ -33,10 +33,5 @@ PlainWindow::PlainWindow(const QString &objectName, const QString &title, QSize 
 
 void PlainWindow::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    const QColor window = palette().color(QPalette::Window);
-    painter.fillRect(rect(), window);
-    painter.fillRect(QRect(0, 0, width(), 30), window.darker(115));
-    painter.setPen(window.darker(160));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    paintWindowFrame(*this);
 }

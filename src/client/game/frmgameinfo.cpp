@@ -3,11 +3,11 @@
 #include "client/app/draghandle.h"
 #include "client/app/icons.h"
 #include "client/app/picturebutton.h"
+#include "client/app/windowframe.h"
 #include "client/game/gameinfo.h"
 
 #include <QHeaderView>
 #include <QLabel>
-#include <QPainter>
 #include <QStandardItemModel>
 #include <QTreeView>
 
@@ -81,10 +81,5 @@ void FrmGameInfo::refresh()
 
 void FrmGameInfo::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    const QColor window = palette().color(QPalette::Window);
-    painter.fillRect(rect(), window);
-    painter.fillRect(QRect(0, 0, width(), 30), window.darker(115));
-    painter.setPen(window.darker(160));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    paintWindowFrame(*this);
 }

@@ -3,10 +3,10 @@
 #include "client/app/draghandle.h"
 #include "client/app/icons.h"
 #include "client/app/picturebutton.h"
+#include "client/app/windowframe.h"
 
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 
 FrmLogIn::FrmLogIn(QString credentialsPath, QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint),
@@ -80,10 +80,5 @@ void FrmLogIn::showModal()
 
 void FrmLogIn::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    const QColor window = palette().color(QPalette::Window);
-    painter.fillRect(rect(), window);
-    painter.fillRect(QRect(0, 0, width(), 30), window.darker(115));
-    painter.setPen(window.darker(160));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    paintWindowFrame(*this);
 }

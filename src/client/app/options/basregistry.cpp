@@ -1,5 +1,6 @@
 #include "client/app/options/basregistry.h"
 
+#include "client/app/blanks.h"
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -19,17 +20,6 @@ std::optional<quint32> asNumber(const QString &text)
         rounded > double(std::numeric_limits<quint32>::max()))
         return std::nullopt;
     return quint32(qint64(rounded));
-}
-
-QString trimBlanks(const QString &text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && text[begin] == u' ')
-        ++begin;
-    while (end > begin && text[end - 1] == u' ')
-        --end;
-    return text.mid(begin, end - begin);
 }
 
 } // namespace
@@ -57,7 +47,8 @@ void BasRegistry::writeValue(Registry::Root root, const QString &subKey, const Q
                              const QString &value)
 {
     const auto number = asNumber(value);
-    m_lastRegResult = m_registry.setValue(root, subKey, name,
-                                          number ? RegistryValue::fromNumber(*number)
-                                                 : RegistryValue::string(trimBlanks(value)));
+    m_lastRegResult =
+        m_registry.setValue(root, subKey, name,
+                            number ? RegistryValue::fromNumber(*number)
+                                   : RegistryValue::string(trimBlanks(value).toString()));
 }

@@ -6,6 +6,7 @@
 #include "client/app/options/options.h"
 #include "client/app/options/optionsstore.h"
 #include "client/app/picturebutton.h"
+#include "client/app/windowframe.h"
 #include "client/platform/dialogs.h"
 
 #include <QCheckBox>
@@ -13,7 +14,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QToolButton>
 
 namespace {
@@ -201,10 +201,5 @@ bool FrmOptions::eventFilter(QObject *watched, QEvent *event)
 
 void FrmOptions::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    const QColor window = palette().color(QPalette::Window);
-    painter.fillRect(rect(), window);
-    painter.fillRect(QRect(0, 0, width(), 30), window.darker(115));
-    painter.setPen(window.darker(160));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    paintWindowFrame(*this);
 }

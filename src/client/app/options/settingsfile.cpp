@@ -1,5 +1,6 @@
 #include "client/app/options/settingsfile.h"
 
+#include "client/app/blanks.h"
 #include "client/app/options/options.h"
 #include "protocol/cp1252.h"
 
@@ -19,17 +20,6 @@ QString decode(const QByteArray &bytes)
     QStringDecoder utf8(QStringDecoder::Utf8);
     QString text = utf8(bytes);
     return utf8.hasError() ? protocol::fromCp1252(bytes) : text;
-}
-
-QString trimBlanks(const QString &text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && text[begin] == u' ')
-        ++begin;
-    while (end > begin && text[end - 1] == u' ')
-        --end;
-    return text.mid(begin, end - begin);
 }
 
 // A check-box line: 0 or 1 with blanks around it; anything else cannot be converted.
@@ -77,11 +67,11 @@ void parse(const QByteArray &content, Options &options)
     readCheck(2, &Options::setSound);
     readCheck(3, &Options::setReset);
     if (lines.size() > 4)
-        options.setHotKeyTag(trimBlanks(lines[4]));
+        options.setHotKeyTag(trimBlanks(lines[4]).toString());
     if (lines.size() > 5)
-        options.setPathRS(trimBlanks(lines[5]));
+        options.setPathRS(trimBlanks(lines[5]).toString());
     if (lines.size() > 6)
-        options.setPathBlackOps(trimBlanks(lines[6]));
+        options.setPathBlackOps(trimBlanks(lines[6]).toString());
 }
 
 QByteArray format(const Options &options)
