@@ -20,6 +20,8 @@ Connection::Connection(QTcpSocket *socket, QObject *parent)
     : QObject(parent), m_socket(socket), m_peerAddress(addressText(socket->peerAddress()))
 {
     m_socket->setParent(this);
+    // Lines go out as they are written; none waits for the acknowledgement of the one before.
+    m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_silence.setSingleShot(true);
     connect(&m_silence, &QTimer::timeout, this, [this] {
         m_closing = true;
@@ -54,6 +56,9 @@ void Connection::send(const QByteArray &bytes)
         return;
     }
     m_socket->write(bytes);
+    // Sent now rather than when the event loop next polls this socket: a broadcast to
+    // thousands of sessions would otherwise trickle out one poll round per socket.
+    m_socket->flush();
 }
 
 void Connection::closeAfterFlush()

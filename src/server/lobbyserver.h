@@ -9,10 +9,10 @@
 #include "server/presencehandler.h"
 #include "server/roomhandler.h"
 #include "server/roomregistry.h"
-#include "server/tcplistener.h"
 
 #include <QHostAddress>
 #include <QObject>
+#include <QTcpServer>
 
 namespace server {
 
@@ -54,7 +54,7 @@ private:
     void endSession(Session &session);
 
     LobbyConfig m_config;
-    TcpListener m_server;
+    QTcpServer m_server;
     Lobby m_lobby;
     RoomRegistry m_rooms;
     LoginThrottle m_throttle;
