@@ -3,6 +3,8 @@
 #include "serverprocess.h"
 #include "testclient.h"
 
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
@@ -16,6 +18,7 @@ class TestExecutable : public QObject
 private Q_SLOTS:
     void refusesToStart_data();
     void refusesToStart();
+    void refusesNewerDatabase();
     void accountCommands();
     void optionsReachTheLobby();
 };
@@ -45,6 +48,24 @@ void TestExecutable::refusesToStart()
     QVERIFY(result.exitCode > 0);
     QVERIFY2(result.err.contains(message), qPrintable(result.err));
     QVERIFY(!result.out.contains(QLatin1String("listening")));
+}
+
+void TestExecutable::refusesNewerDatabase()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("lobby.sqlite");
+    {
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("newer"));
+        db.setDatabaseName(path);
+        QVERIFY(db.open());
+        QVERIFY(QSqlQuery(db).exec(QStringLiteral("PRAGMA user_version = 99")));
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("newer"));
+    const ServerProcess::Result result = ServerProcess::run({"--db", path, "--port", "0"});
+    QCOMPARE(result.exitCode, 1);
+    QVERIFY2(result.err.contains(QLatin1String("newer than this server")), qPrintable(result.err));
 }
 
 void TestExecutable::accountCommands()
