@@ -263,12 +263,22 @@ void ResortEach_StatusChanges(benchmark::State &state)
 
 } // namespace
 
-BENCHMARK(Announce)->RangeMultiplier(2)->Range(1250, 20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(StatusChanges)->RangeMultiplier(2)->Range(1250, 20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(ResortEach_Announce)->RangeMultiplier(2)->Range(625, 2500)->Unit(benchmark::kMillisecond);
-BENCHMARK(ResortEach_StatusChanges)
-    ->RangeMultiplier(2)
-    ->Range(625, 2500)
-    ->Unit(benchmark::kMillisecond);
+// Each size doubles the one before, so the growth reads straight off the rows.
+void clientSizes(benchmark::internal::Benchmark *b)
+{
+    for (const int n : {1250, 2500, 5000, 10000, 20000})
+        b->Arg(n)->Unit(benchmark::kMillisecond);
+}
+
+void resortSizes(benchmark::internal::Benchmark *b)
+{
+    for (const int n : {625, 1250, 2500})
+        b->Arg(n)->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK(Announce)->Apply(clientSizes);
+BENCHMARK(StatusChanges)->Apply(clientSizes);
+BENCHMARK(ResortEach_Announce)->Apply(resortSizes);
+BENCHMARK(ResortEach_StatusChanges)->Apply(resortSizes);
 
 BENCHMARK_MAIN();
