@@ -19,6 +19,7 @@
 #include "client/game/gameinfo.h"
 #include "client/game/gameserverquery.h"
 #include "client/lobby/frmlogin.h"
+#include "client/lobby/keepalive.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
@@ -78,7 +79,12 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     connect(m_form.get(), &Form1::unloading, this, &ClientApplication::shutDown);
 }
 
-ClientApplication::~ClientApplication() = default;
+ClientApplication::~ClientApplication()
+{
+    // The parts drive the main window's controls, so they go before the window does.
+    const QObjectList parts = children();
+    qDeleteAll(parts);
+}
 
 void ClientApplication::buildLobby()
 {
@@ -161,6 +167,8 @@ void ClientApplication::buildLogin()
     hooks.clientVersion = [this] { return m_form->Label3->text(); };
     m_login = new LoginController(*m_connection, *m_dispatcher, *m_session, *m_sounds,
                                   *m_form->tmrReconnet, *m_form->Timer1, std::move(hooks), this);
+    // The game detection of the same timer joins the keep-alive once it exists.
+    new KeepAlive(*m_form->Timer1, *m_session, *m_connection, this);
     connect(m_form->picLogIn, &QAbstractButton::clicked, m_login,
             &LoginController::picLogInClicked);
     connect(m_login, &LoginController::loginDialogRequested, this,

@@ -1,0 +1,22 @@
+#include "client/lobby/keepalive.h"
+
+#include "client/app/sessionstate.h"
+#include "client/lobby/lobbyconnection.h"
+
+#include <QTimer>
+
+KeepAlive::KeepAlive(QTimer &timer1, SessionState &session, LobbyConnection &connection,
+                     QObject *parent)
+    : QObject(parent), m_session(session), m_connection(connection)
+{
+    connect(&timer1, &QTimer::timeout, this, &KeepAlive::tick);
+}
+
+void KeepAlive::tick()
+{
+    ++m_session.keepAliveTicks;
+    if (m_session.keepAliveTicks > 3) {
+        m_session.keepAliveTicks = 1;
+        m_connection.sendLobbyMessage(protocol::Code::KeepAlive);
+    }
+}
