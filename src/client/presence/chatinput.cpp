@@ -1,25 +1,11 @@
 #include "client/presence/chatinput.h"
 
+#include "client/app/blanks.h"
 #include "client/lobby/lobbyconnection.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
 #include <QLineEdit>
-
-namespace {
-
-QString trimSpaces(const QString &text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && text[begin] == u' ')
-        ++begin;
-    while (end > begin && text[end - 1] == u' ')
-        --end;
-    return text.sliced(begin, end - begin);
-}
-
-} // namespace
 
 QString ChatInput::hintText()
 {
@@ -47,7 +33,7 @@ void ChatInput::send()
 {
     if (!m_input)
         return;
-    const QString line = trimSpaces(m_input->text());
+    const QString line = trimBlanks(m_input->text()).toString();
     if (line.isEmpty() || !m_guard.tryPass())
         return;
     m_connection.sendLobbyMessage(protocol::Code::ChatLine, {line});

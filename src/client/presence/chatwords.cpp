@@ -1,23 +1,10 @@
 #include "client/presence/chatwords.h"
 
+#include "client/app/blanks.h"
+
 #include <QLocale>
 #include <QRegularExpression>
 #include <QTime>
-
-namespace {
-
-QStringView trimSpaces(QStringView text)
-{
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && text[begin] == u' ')
-        ++begin;
-    while (end > begin && text[end - 1] == u' ')
-        --end;
-    return text.sliced(begin, end - begin);
-}
-
-} // namespace
 
 QString wordAtSelection(QStringView text, qsizetype selectionStart)
 {
@@ -28,7 +15,7 @@ QString wordAtSelection(QStringView text, qsizetype selectionStart)
         selectionStart < text.size() ? text.lastIndexOf(u' ', selectionStart) : qsizetype(-1);
     QStringView word =
         space < 0 ? text.first(std::min(selectionStart + 1, text.size())) : text.sliced(space + 1);
-    word = trimSpaces(word);
+    word = trimBlanks(word);
     const qsizetype inner = word.indexOf(u' ');
     if (inner >= 0)
         word = word.first(inner);
