@@ -97,15 +97,6 @@ private Q_SLOTS:
         QCOMPARE(tray.modifications, 2);
     }
 
-    void offlineAtCreation()
-    {
-        Form1 form;
-        form.show();
-        QVERIFY(!form.picCreateRoom->isVisible());
-        QVERIFY(!form.picResetStats->isVisible());
-        QVERIFY(form.picLogIn->isVisible());
-    }
-
     void splitterDragIsClamped_data()
     {
         QTest::addColumn<int>("mouseY"); // inside the bar, relative to its top

@@ -92,14 +92,6 @@ private Q_SLOTS:
         QVERIFY(rig.form.isVisible());
         QVERIFY(rig.form.isMinimized());
     }
-
-    void hideButtonHides()
-    {
-        Rig rig;
-        rig.form.show();
-        Q_EMIT rig.form.hideRequested();
-        QVERIFY(!rig.form.isVisible());
-    }
 };
 
 QTEST_MAIN(TestTray)

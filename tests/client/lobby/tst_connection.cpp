@@ -54,20 +54,6 @@ private Q_SLOTS:
         QCOMPARE(peer->readAll(), QByteArray("\xD6Mhej\x0F"));
     }
 
-    void arrivingBytesReachTheDispatcher()
-    {
-        Pair pair;
-        QVERIFY(open(pair));
-        QStringList seen;
-        pair.dispatcher.setHandler(Code::RemovePlayer,
-                                   [&](const protocol::Message &m) { seen << m.field(0); });
-        pair.peer->write("RNa\x0FRN");
-        pair.peer->flush();
-        QTRY_COMPARE(seen, QStringList{"a"});
-        pair.peer->write("b\x0F");
-        QTRY_COMPARE(seen, (QStringList{"a", "b"}));
-    }
-
     void peerCloseIsADrop()
     {
         Pair pair;
@@ -78,36 +64,6 @@ private Q_SLOTS:
         QVERIFY(!pair.connection.isConnected());
         QTest::qWait(50);
         QCOMPARE(dropped.count(), 1);
-    }
-
-    void ownCloseIsNoDrop()
-    {
-        Pair pair;
-        QVERIFY(open(pair));
-        QSignalSpy dropped(&pair.connection, &LobbyConnection::dropped);
-        pair.connection.close();
-        QVERIFY(pair.connection.isClosed());
-        QTest::qWait(100);
-        QCOMPARE(dropped.count(), 0);
-        QVERIFY(!pair.connection.sendLobbyMessage(Code::KeepAlive));
-    }
-
-    void refusedConnectionFails()
-    {
-        // A port that was just free: nothing listens there.
-        quint16 port = 0;
-        {
-            QTcpServer probe;
-            QVERIFY(probe.listen(QHostAddress::LocalHost));
-            port = probe.serverPort();
-        }
-        LobbyDispatcher dispatcher;
-        LobbyConnection connection(dispatcher);
-        QSignalSpy failed(&connection, &LobbyConnection::connectFailed);
-        QSignalSpy dropped(&connection, &LobbyConnection::dropped);
-        connection.connectToLobby(QStringLiteral("127.0.0.1"), port);
-        QTRY_COMPARE(failed.count(), 1);
-        QCOMPARE(dropped.count(), 0);
     }
 };
 
