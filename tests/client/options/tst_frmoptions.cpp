@@ -4,26 +4,47 @@
 #include "client/app/options/hotkeyedit.h"
 #include "client/app/options/options.h"
 #include "client/app/options/optionsstore.h"
-#include "client/app/options/settingsfile.h"
 #include "client/app/picturebutton.h"
-#include "client/game/defaultgamefolders.h"
+#include "client/platform/dialogs.h"
 #include "client/platform/registryautostart.h"
 #include "client/platform/registrylinux.h"
-#include "scripteddialogs.h"
 
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QToolButton>
 
 namespace {
+
+// Answers in the user's place from queues (Ok, or a cancelled file dialog, when empty) and
+// records every question.
+class ScriptedDialogs final : public Dialogs
+{
+public:
+    Answer messageBox(const QString &, const QString &text, Buttons buttons, Icon) override
+    {
+        asked << text + (buttons == Buttons::YesNo ? " [Yes/No]" : "");
+        return answers.isEmpty() ? Answer::Ok : answers.takeFirst();
+    }
+    QString openFileName(const QString &, const QString &filter) override
+    {
+        asked << "file: " + filter;
+        return files.isEmpty() ? QString() : files.takeFirst();
+    }
+    QString inputBox(const QString &, const QString &, const QString &, bool) override
+    {
+        return {};
+    }
+
+    QList<Answer> answers;
+    QStringList files;
+    QStringList asked;
+};
 
 void writeFile(const QString &path, const QByteArray &content)
 {
@@ -31,12 +52,6 @@ void writeFile(const QString &path, const QByteArray &content)
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(content);
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -49,18 +64,29 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<Options> m_options;
     std::unique_ptr<ScriptedDialogs> m_dialogs;
+    std::unique_ptr<OptionsStore> m_store;
+    std::unique_ptr<FrmOptions> m_window;
 
     QString dataFolder() const { return m_dir->filePath("data"); }
+    QString settingsPath() const { return dataFolder() + "/settingRS.txt"; }
     QString winePrefix() const { return m_dir->filePath("wine"); }
-    OptionsStore store()
-    {
-        return OptionsStore(*m_options, dataFolder(),
-                            DefaultGameFolders::forWinePrefix(winePrefix()), *m_dialogs);
-    }
-    QString autostartEntry() const
+    static QString autostartEntryPath()
     {
         return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
                "/autostart/quorvel.desktop";
+    }
+    OptionsStore &store()
+    {
+        m_store = std::make_unique<OptionsStore>(
+            *m_options, dataFolder(), DefaultGameFolders::forWinePrefix(winePrefix()), *m_dialogs);
+        return *m_store;
+    }
+    FrmOptions &openWindow()
+    {
+        m_window = std::make_unique<FrmOptions>(*m_options, store(), *m_dialogs);
+        m_window->show();
+        (void)QTest::qWaitForWindowExposed(m_window.get());
+        return *m_window;
     }
 
 private Q_SLOTS:
@@ -70,203 +96,92 @@ private Q_SLOTS:
         QDir().mkpath(dataFolder());
         m_options = std::make_unique<Options>();
         m_dialogs = std::make_unique<ScriptedDialogs>();
-        QFile::remove(autostartEntry());
+        QFile::remove(autostartEntryPath());
+    }
+    void cleanup()
+    {
+        m_window.reset();
+        m_store.reset();
     }
 
-    void controlsCarryNamesCaptionsAndTips_data()
+    // The controls show the options and edit them in place; closing writes all seven lines.
+    void editingThenClosing()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("caption");
-        QTest::addColumn<QString>("toolTip");
-        QTest::newRow("autostart") << "chkAutoStart"
-                                   << "Autostart"
-                                   << "Start QuorVel when windows starts";
-        QTest::newRow("auto login") << "chkAutoLogIn"
-                                    << "Auto login"
-                                    << "Log in to quorvel automatically";
-        QTest::newRow("sounds") << "chkSound"
-                                << "Play sounds"
-                                << "Play sounds on diffrent events";
-        QTest::newRow("reset key") << "chkReset"
-                                   << "Ingame reset key     (0-9)     (A-Z)           (F1 - F12) "
-                                   << "Ingame reset key";
-        QTest::newRow("title") << "lblOptions"
-                               << "Options"
-                               << "";
-        QTest::newRow("Rogue Spear label") << "lblPathToRoguespear"
-                                           << "Path to: roguespear.exe"
-                                           << "";
-        QTest::newRow("Black Ops label") << "lblPathToR6BO"
-                                         << "Path to: R6BO.exe"
-                                         << "";
-        QTest::newRow("delete RS") << "picDeletePathRS"
-                                   << "Delete Path"
-                                   << "";
-        QTest::newRow("delete BO") << "picDeletePathBO"
-                                   << "Delete Path"
-                                   << "";
-    }
-    void controlsCarryNamesCaptionsAndTips()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, caption);
-        QFETCH(QString, toolTip);
-        OptionsStore s = store();
-        FrmOptions window(*m_options, s, *m_dialogs);
-        QCOMPARE(window.objectName(), "frmOptions");
-        QCOMPARE(window.windowTitle(), "Options");
-        QVERIFY(window.windowFlags().testFlag(Qt::FramelessWindowHint));
-        auto *control = window.findChild<QWidget *>(name);
-        QVERIFY(control);
-        const QString text = control->property("text").toString();
-        QCOMPARE(text, caption);
-        if (!toolTip.isEmpty())
-            QCOMPARE(control->toolTip(), toolTip);
-        for (const char *other : {"picClose", "txtHotKey", "txtPathRS", "txtPathBlackOps"})
-            QVERIFY(window.findChild<QWidget *>(other));
-    }
-
-    void controlsEditTheOptionsBothWays()
-    {
-        OptionsStore s = store();
         m_options->setAutoLogIn(true);
-        FrmOptions window(*m_options, s, *m_dialogs);
-        QVERIFY(window.chkAutoLogIn->isChecked());
-        QVERIFY(!window.txtHotKey->isEnabled());
-
-        window.chkSound->click();
-        QVERIFY(m_options->sound());
+        m_options->setPathRS(QString::fromUtf8("/games/Rogue Spëar"));
+        FrmOptions &w = openWindow();
+        QVERIFY(w.chkAutoLogIn->isChecked());
+        QCOMPARE(w.txtPathRS->text(), m_options->pathRS());
+        QVERIFY(!w.txtHotKey->isEnabled());
         m_options->setAutoLogIn(false);
-        QVERIFY(!window.chkAutoLogIn->isChecked());
-
-        QSignalSpy reset(m_options.get(), &Options::resetChanged);
-        window.chkReset->click();
-        QVERIFY(m_options->reset());
-        QVERIFY(window.txtHotKey->isEnabled());
-        m_options->setReset(false);
-        QVERIFY(!window.txtHotKey->isEnabled());
-        QCOMPARE(reset.count(), 2);
-
-        m_options->setPathRS("/games/rs");
-        QCOMPARE(window.txtPathRS->text(), "/games/rs");
-        window.txtPathBlackOps->setFocus();
-        QTest::keyClicks(window.txtPathBlackOps, "/bo");
-        QCOMPARE(m_options->pathBlackOps(), "/bo");
-    }
-
-    void hotKeyField_data()
-    {
-        QTest::addColumn<QList<int>>("keys");
-        QTest::addColumn<QString>("tag");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("F5") << QList<int>{Qt::Key_F5} << "116"
-                            << "F5";
-        QTest::newRow("F10") << QList<int>{Qt::Key_F10} << "121"
-                             << "F10";
-        QTest::newRow("F11") << QList<int>{Qt::Key_F11} << "122"
-                             << "F11";
-        QTest::newRow("F12") << QList<int>{Qt::Key_F12} << "123"
-                             << "F12";
-        QTest::newRow("letter") << QList<int>{Qt::Key_Q} << "81"
-                                << "Q";
-        QTest::newRow("digit") << QList<int>{Qt::Key_0} << "48"
-                               << "0";
-        QTest::newRow("Shift keeps the name") << QList<int>{Qt::Key_F5, Qt::Key_Shift} << "16"
-                                              << "F5";
-        QTest::newRow("key without a code ignored")
-            << QList<int>{Qt::Key_A, Qt::Key_VolumeUp} << "65"
-            << "A";
-    }
-    void hotKeyField()
-    {
-        QFETCH(QList<int>, keys);
-        QFETCH(QString, tag);
-        QFETCH(QString, text);
-        OptionsStore s = store();
+        QVERIFY(!w.chkAutoLogIn->isChecked());
+        w.chkSound->click();
+        QVERIFY(m_options->sound());
         m_options->setReset(true);
-        FrmOptions window(*m_options, s, *m_dialogs);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        window.txtHotKey->setFocus();
-        for (int key : keys)
-            QTest::keyClick(window.txtHotKey, Qt::Key(key));
-        QCOMPARE(m_options->hotKeyTag(), tag);
-        QCOMPARE(window.txtHotKey->text(), text);
-        QCOMPARE(window.txtHotKey->property("tag").toString(), tag);
+        QVERIFY(w.txtHotKey->isEnabled());
+        w.chkReset->click();
+        QVERIFY(!m_options->reset());
+        QVERIFY(!w.txtHotKey->isEnabled());
+        w.chkReset->click();
+
+        // Shift, and a key without a code, keep the name shown.
+        const QList<std::tuple<Qt::Key, QString, QString>> presses{
+            {Qt::Key_F10, "121", "F10"}, {Qt::Key_F11, "122", "F11"},
+            {Qt::Key_F12, "123", "F12"}, {Qt::Key_Q, "81", "Q"},
+            {Qt::Key_Shift, "16", "Q"},  {Qt::Key_VolumeUp, "16", "Q"}};
+        for (const auto &[key, tag, text] : presses) {
+            QTest::keyClick(w.txtHotKey, key);
+            QCOMPARE(m_options->hotKeyTag(), tag);
+            QCOMPARE(w.txtHotKey->text(), text);
+            QCOMPARE(w.txtHotKey->property("tag").toString(), tag);
+        }
+        QTest::keyClicks(w.txtPathBlackOps, "/bo");
+        QCOMPARE(m_options->pathBlackOps(), "/bo");
+
+        QSignalSpy closed(&w, &FrmOptions::closed);
+        w.picClose->click();
+        QCOMPARE(closed.count(), 1);
+        QVERIFY(w.isHidden());
+        QFile file(settingsPath());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("0\r\n0\r\n1\r\n1\r\n16\r\n/games/Rogue Sp\xc3\xab"
+                                            "ar\r\n/bo\r\n"));
     }
 
-    void browseForGameFolders_data()
+    // Clicking into a folder field browses for the game's executable; "Delete Path" asks first.
+    void gameFolderControls_data()
     {
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("chosen");
-        QTest::addColumn<QString>("folder");
-        QTest::newRow("Windows path") << "txtPathRS"
-                                      << "D:\\Games\\RS\\roguespear.exe"
-                                      << "D:\\Games\\RS";
-        QTest::newRow("native path") << "txtPathBlackOps"
-                                     << "/home/u/games/bo/R6BO.exe"
-                                     << "/home/u/games/bo";
-        QTest::newRow("cancelled") << "txtPathRS"
-                                   << ""
-                                   << "/before";
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("answer"); // the file chosen, or Yes / No
+        QTest::addColumn<QString>("pathRS");
+        QTest::addColumn<QString>("pathBlackOps");
+        const auto add = [](const char *name, QString control, QString answer, QString rs,
+                            QString bo) { QTest::newRow(name) << control << answer << rs << bo; };
+        add("browse, Windows path", "txtPathRS", "D:\\Games\\RS\\roguespear.exe", "D:\\Games\\RS",
+            "/bo");
+        add("browse, native path", "txtPathBlackOps", "/home/u/bo/R6BO.exe", "/rs", "/home/u/bo");
+        add("browse cancelled", "txtPathRS", "", "/rs", "/bo");
+        add("delete answered No", "picDeletePathRS", "No", "/rs", "/bo");
+        add("delete answered Yes", "picDeletePathBO", "Yes", "/rs", "");
     }
-    void browseForGameFolders()
+    void gameFolderControls()
     {
-        QFETCH(QString, field);
-        QFETCH(QString, chosen);
-        QFETCH(QString, folder);
-        OptionsStore s = store();
-        m_options->setPathRS("/before");
-        m_options->setPathBlackOps("/before");
-        FrmOptions window(*m_options, s, *m_dialogs);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        m_dialogs->files = {chosen};
-        QTest::mouseClick(window.findChild<QLineEdit *>(field), Qt::LeftButton);
-        QCOMPARE(m_dialogs->fileFilters.size(), 1);
-        QVERIFY(m_dialogs->fileFilters.first().contains("*.exe"));
-        const QString result =
-            field == "txtPathRS" ? m_options->pathRS() : m_options->pathBlackOps();
-        QCOMPARE(result, folder);
-        QCOMPARE(window.findChild<QLineEdit *>(field)->text(), folder);
-    }
-
-    void clearGameFolders()
-    {
-        OptionsStore s = store();
+        QFETCH(QString, control);
+        QFETCH(QString, answer);
+        QFETCH(QString, pathRS);
+        QFETCH(QString, pathBlackOps);
         m_options->setPathRS("/rs");
         m_options->setPathBlackOps("/bo");
-        FrmOptions window(*m_options, s, *m_dialogs);
-        m_dialogs->answers = {Dialogs::Answer::No, Dialogs::Answer::Yes};
-        window.picDeletePathRS->click();
-        QCOMPARE(m_options->pathRS(), "/rs");
-        window.picDeletePathBO->click();
-        QCOMPARE(m_options->pathBlackOps(), "");
-        QCOMPARE(window.txtPathBlackOps->text(), "");
-        QCOMPARE(m_dialogs->shown.size(), 2);
-        QCOMPARE(m_dialogs->shown[0].title, "Delete path");
-        QCOMPARE(m_dialogs->shown[0].text, "Are you sure?");
-        QCOMPARE(m_dialogs->shown[0].buttons, Dialogs::Buttons::YesNo);
-    }
-
-    void closingWritesAllSevenLines()
-    {
-        OptionsStore s = store();
-        FrmOptions window(*m_options, s, *m_dialogs);
-        window.show();
-        QSignalSpy closed(&window, &FrmOptions::closed);
-        window.picClose->click();
-        QCOMPARE(closed.count(), 1);
-        QVERIFY(window.isHidden());
-        QCOMPARE(readFile(dataFolder() + "/settingRS.txt"),
-                 QByteArray("0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n"));
-
-        window.chkReset->click();
-        QTest::keyClick(window.txtHotKey, Qt::Key_F5);
-        m_options->setPathRS("/games/rs");
-        window.picClose->click();
-        QCOMPARE(readFile(dataFolder() + "/settingRS.txt"),
-                 QByteArray("0\r\n0\r\n0\r\n1\r\n116\r\n/games/rs\r\n\r\n"));
+        FrmOptions &w = openWindow();
+        m_dialogs->files = {answer};
+        m_dialogs->answers = {answer == "Yes" ? Dialogs::Answer::Yes : Dialogs::Answer::No};
+        QTest::mouseClick(w.findChild<QWidget *>(control), Qt::LeftButton);
+        QCOMPARE(m_dialogs->asked.size(), 1);
+        QVERIFY(m_dialogs->asked[0].contains(control.startsWith("txt") ? "*.exe" : "[Yes/No]"));
+        QCOMPARE(m_options->pathRS(), pathRS);
+        QCOMPARE(m_options->pathBlackOps(), pathBlackOps);
+        QCOMPARE(w.txtPathRS->text(), pathRS);
+        QCOMPARE(w.txtPathBlackOps->text(), pathBlackOps);
     }
 
     void loadProbesDefaultFolders_data()
@@ -276,26 +191,23 @@ private Q_SLOTS:
         QTest::addColumn<QString>("pathRS");
         QTest::addColumn<QString>("pathBlackOps");
         QTest::addColumn<bool>("warned");
-        const QString rs = "drive_c/Program Files (x86)/Red Storm Entertainment/Rogue Spear";
-        const QString bo32 = "drive_c/Program Files/Red Storm Entertainment/Rainbow Six Black Ops";
-        QTest::newRow("nothing anywhere") << QByteArray() << QStringList{} << ""
-                                          << "" << true;
-        QTest::newRow("Rogue Spear at its default place")
-            << QByteArray() << QStringList{rs + "/roguespear.exe"} << "/" + rs << "" << false;
-        QTest::newRow("executable named in another case")
-            << QByteArray() << QStringList{rs + "/RogueSpear.EXE"} << "/" + rs << "" << false;
-        QTest::newRow("folder without the executable")
-            << QByteArray() << QStringList{rs + "/readme.txt"} << ""
-            << "" << true;
-        QTest::newRow("32-bit prefix") << QByteArray() << QStringList{bo32 + "/R6BO.exe"} << ""
-                                       << "/" + bo32 << false;
-        QTest::newRow("configured folder never replaced")
-            << QByteArray("0\r\n0\r\n0\r\n0\r\n\r\n/mine\r\n\r\n")
-            << QStringList{rs + "/roguespear.exe"} << "/mine"
-            << "" << false;
-        QTest::newRow("configured folder not checked")
-            << QByteArray("0\r\n0\r\n0\r\n0\r\n\r\n\r\n/gone\r\n") << QStringList{} << ""
-            << "/gone" << false;
+        const auto add = [](const char *name, QByteArray settings, QStringList installed,
+                            QString rs, QString bo, bool warned = false) {
+            QTest::newRow(name) << settings << installed << rs << bo << warned;
+        };
+        const QString rs = "/drive_c/Program Files (x86)/Red Storm Entertainment/Rogue Spear";
+        const QString bo32 = "/drive_c/Program Files/Red Storm Entertainment/Rainbow Six Black Ops";
+        add("nothing anywhere", {}, {}, "", "", true);
+        add("Rogue Spear at its default place", {}, {rs + "/roguespear.exe"}, rs, "");
+        add("executable named in another case", {}, {rs + "/RogueSpear.EXE"}, rs, "");
+        add("folder without the executable", {}, {rs + "/readme.txt"}, "", "", true);
+        add("32-bit prefix", {}, {bo32 + "/R6BO.exe"}, "", bo32);
+        add("configured folder never replaced", "0\r\n0\r\n0\r\n0\r\n\r\n/mine\r\n\r\n",
+            {rs + "/roguespear.exe"}, "/mine", "");
+        add("configured folder not checked", "0\r\n0\r\n0\r\n0\r\n\r\n\r\n/gone\r\n", {}, "",
+            "/gone");
+        add("cleared folder probed again", "0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n",
+            {rs + "/roguespear.exe"}, rs, "");
     }
     void loadProbesDefaultFolders()
     {
@@ -305,98 +217,55 @@ private Q_SLOTS:
         QFETCH(QString, pathBlackOps);
         QFETCH(bool, warned);
         if (!settings.isEmpty())
-            writeFile(dataFolder() + "/settingRS.txt", settings);
+            writeFile(settingsPath(), settings);
         for (const QString &file : installed)
-            writeFile(winePrefix() + "/" + file, "MZ");
-        const QString prefix = QDir::toNativeSeparators(winePrefix());
-        const auto expected = [&prefix](const QString &path) {
-            return path.startsWith(u'/') && path.contains("drive_c") ? prefix + path : path;
+            writeFile(winePrefix() + file, "MZ");
+        const auto inPrefix = [this](const QString &path) {
+            return path.contains("drive_c") ? QDir::toNativeSeparators(winePrefix()) + path : path;
         };
-
-        OptionsStore s = store();
-        s.load();
-        QCOMPARE(m_options->pathRS(), expected(pathRS));
-        QCOMPARE(m_options->pathBlackOps(), expected(pathBlackOps));
-        QCOMPARE(m_dialogs->shown.size(), warned ? 1 : 0);
-        if (warned) {
-            QCOMPARE(m_dialogs->shown[0].title, "QUORVEL");
-            QCOMPARE(m_dialogs->shown[0].text,
-                     "Could not find path to game, select at least one game in options");
-            QCOMPARE(m_dialogs->shown[0].buttons, Dialogs::Buttons::Ok);
-        }
+        store().load();
+        QCOMPARE(m_options->pathRS(), inPrefix(pathRS));
+        QCOMPARE(m_options->pathBlackOps(), inPrefix(pathBlackOps));
+        QCOMPARE(m_dialogs->asked,
+                 warned ? QStringList{"Could not find path to game, select at least one game in "
+                                      "options"}
+                        : QStringList{});
     }
 
-    void clearedDefaultFolderComesBackAtNextLoad()
+    // Start-up loads the settings, then ticks Autostart when the Run value is set; the entry
+    // then names the running program, and follows the check box from there.
+    void autostartEntry_data()
     {
-        writeFile(winePrefix() + "/drive_c/Program Files (x86)/Red Storm Entertainment/"
-                                 "Rogue Spear/roguespear.exe",
-                  "MZ");
-        OptionsStore s = store();
-        s.load();
-        const QString defaultFolder = m_options->pathRS();
-        QVERIFY(!defaultFolder.isEmpty());
-        m_options->setPathRS(QString());
-        QVERIFY(s.save());
-        Options reloaded;
-        OptionsStore(reloaded, dataFolder(), DefaultGameFolders::forWinePrefix(winePrefix()),
-                     *m_dialogs)
-            .load();
-        QCOMPARE(reloaded.pathRS(), defaultFolder);
-        QCOMPARE(m_dialogs->shown.size(), 0);
+        QTest::addColumn<QByteArray>("settings"); // empty: no settings file
+        QTest::addColumn<QString>("entry");       // found at start-up; empty: none
+        QTest::addColumn<bool>("ticked");
+        QTest::newRow("ticked in the settings file")
+            << QByteArray("1\r\n0\r\n0\r\n0\r\n\r\n/rs\r\n\r\n") << "" << true;
+        QTest::newRow("entry of an older install") << QByteArray() << "/old/place/quorvel" << true;
+        QTest::newRow("neither") << QByteArray() << "" << false;
     }
-
-    void autostartFollowsTheCheckBox()
+    void autostartEntry()
     {
+        QFETCH(QByteArray, settings);
+        QFETCH(QString, entry);
+        QFETCH(bool, ticked);
+        if (!settings.isEmpty())
+            writeFile(settingsPath(), settings);
+        if (!entry.isEmpty())
+            QVERIFY(AutostartEntry::write(autostartEntryPath(), entry));
         LinuxRegistry registry(LinuxRegistry::defaultPaths(dataFolder()));
         BasRegistry helpers(registry);
         AutoStart autoStart(*m_options, helpers, AutoStart::currentProgram());
-        QCOMPARE(AutoStart::currentProgram(), QCoreApplication::applicationFilePath());
-
-        OptionsStore s = store();
-        FrmOptions window(*m_options, s, *m_dialogs);
-        window.chkAutoStart->click();
-        QVERIFY(QFileInfo::exists(autostartEntry()));
-        QCOMPARE(AutostartEntry::read(autostartEntry()),
-                 std::optional<QString>(QCoreApplication::applicationFilePath()));
-        window.chkAutoStart->click();
-        QVERIFY(!QFileInfo::exists(autostartEntry()));
-        QCOMPARE(helpers.lastRegResult(), Registry::kSuccess);
-        window.chkAutoStart->click();
-        QVERIFY(QFileInfo::exists(autostartEntry()));
-    }
-
-    void loadingATickedAutostartWritesTheEntry()
-    {
-        LinuxRegistry registry(LinuxRegistry::defaultPaths(dataFolder()));
-        BasRegistry helpers(registry);
-        AutoStart autoStart(*m_options, helpers, "/opt/quorvel/quorvel");
-        writeFile(dataFolder() + "/settingRS.txt", "1\r\n0\r\n0\r\n0\r\n\r\n/rs\r\n\r\n");
         store().load();
-        QVERIFY(m_options->autoStart());
-        QCOMPARE(AutostartEntry::read(autostartEntry()),
-                 std::optional<QString>("/opt/quorvel/quorvel"));
-    }
-
-    void startUpTicksAutostartFromTheRunValue_data()
-    {
-        QTest::addColumn<QString>("entry"); // empty: no entry
-        QTest::addColumn<bool>("ticked");
-        QTest::newRow("entry of an older install") << "/old/place/quorvel" << true;
-        QTest::newRow("no entry") << "" << false;
-    }
-    void startUpTicksAutostartFromTheRunValue()
-    {
-        QFETCH(QString, entry);
-        QFETCH(bool, ticked);
-        if (!entry.isEmpty())
-            QVERIFY(AutostartEntry::write(autostartEntry(), entry));
-        LinuxRegistry registry(LinuxRegistry::defaultPaths(dataFolder()));
-        BasRegistry helpers(registry);
-        AutoStart autoStart(*m_options, helpers, "/new/place/quorvel");
         autoStart.applyRunValue();
+        const std::optional<QString> running = QCoreApplication::applicationFilePath();
         QCOMPARE(m_options->autoStart(), ticked);
-        QCOMPARE(AutostartEntry::read(autostartEntry()),
-                 ticked ? std::optional<QString>("/new/place/quorvel") : std::nullopt);
+        QCOMPARE(AutostartEntry::read(autostartEntryPath()), ticked ? running : std::nullopt);
+        FrmOptions &w = openWindow();
+        w.chkAutoStart->click();
+        QCOMPARE(AutostartEntry::read(autostartEntryPath()), ticked ? std::nullopt : running);
+        w.chkAutoStart->click();
+        QCOMPARE(AutostartEntry::read(autostartEntryPath()), ticked ? running : std::nullopt);
     }
 };
 
