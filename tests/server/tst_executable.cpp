@@ -1,15 +1,11 @@
 // The quorvel-server command line: the listening line, refusals with clear messages and
 // non-zero exits, and the account commands working on the database file.
-#include "serverprocess.h"
-#include "testclient.h"
+#include "lobbytest.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTcpServer>
-#include <QTemporaryDir>
 #include <QTest>
-
-using protocol::Code;
 
 class TestExecutable : public QObject
 {
@@ -18,15 +14,27 @@ class TestExecutable : public QObject
 private Q_SLOTS:
     void refusesToStart_data();
     void refusesToStart();
-    void refusesNewerDatabase();
-    void accountCommands();
-    void optionsReachTheLobby();
+    void accountCommandsAndOptionsReachTheLobby();
+
+private:
+    QTcpServer m_occupied;
+    QTemporaryDir m_dir;
 };
 
 void TestExecutable::refusesToStart_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("message");
+    QVERIFY(m_occupied.listen(QHostAddress::Any, 0));
+    const QString newer = m_dir.filePath("newer.sqlite");
+    {
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("newer"));
+        db.setDatabaseName(newer);
+        QVERIFY(db.open());
+        QVERIFY(QSqlQuery(db).exec(QStringLiteral("PRAGMA user_version = 99")));
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("newer"));
     QTest::newRow("unknown option") << QStringList{"--colours"} << "Unknown option";
     QTest::newRow("port not a number") << QStringList{"--port", "http"} << "--port";
     QTest::newRow("port too large") << QStringList{"--port", "70000"} << "--port";
@@ -34,10 +42,22 @@ void TestExecutable::refusesToStart_data()
     QTest::newRow("bad listen address") << QStringList{"--listen", "nowhere"} << "--listen";
     QTest::newRow("bad idle limit") << QStringList{"--idle-timeout", "-1"} << "--idle-timeout";
     QTest::newRow("database is a folder")
-        << QStringList{"--db", QStringLiteral(QUORVEL_BINARY_DIR), "--port", "0"}
-        << "cannot open the database";
-    QTest::newRow("account command incomplete")
+        << QStringList{"--db", m_dir.path(), "--port", "0"} << "cannot open the database";
+    QTest::newRow("database from a newer server")
+        << QStringList{"--db", newer, "--port", "0"} << "newer than this server";
+    QTest::newRow("port in use") << QStringList{"--db", m_dir.filePath("a.sqlite"), "--port",
+                                                QString::number(m_occupied.serverPort())}
+                                 << "cannot listen";
+    QTest::newRow("add without password")
         << QStringList{"account", "add", "Anna"} << "unknown account command";
+    QTest::newRow("unknown verb") << QStringList{"account", "delete", "A"} << "unknown account";
+    QTest::newRow("moderator maybe")
+        << QStringList{"account", "moderator", "A", "maybe"} << "unknown account";
+    QTest::newRow("colour too large")
+        << QStringList{"account", "moderator", "A", "on", "--colour", "16777216"}
+        << "--colour takes a number";
+    QTest::newRow("colour outside commands") << QStringList{"--colour", "1"} << "--colour belongs";
+    QTest::newRow("stray argument") << QStringList{"serve"} << "unexpected argument serve";
 }
 
 void TestExecutable::refusesToStart()
@@ -50,84 +70,39 @@ void TestExecutable::refusesToStart()
     QVERIFY(!result.out.contains(QLatin1String("listening")));
 }
 
-void TestExecutable::refusesNewerDatabase()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("lobby.sqlite");
-    {
-        QSqlDatabase db =
-            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("newer"));
-        db.setDatabaseName(path);
-        QVERIFY(db.open());
-        QVERIFY(QSqlQuery(db).exec(QStringLiteral("PRAGMA user_version = 99")));
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("newer"));
-    const ServerProcess::Result result = ServerProcess::run({"--db", path, "--port", "0"});
-    QCOMPARE(result.exitCode, 1);
-    QVERIFY2(result.err.contains(QLatin1String("newer than this server")), qPrintable(result.err));
-}
-
-void TestExecutable::accountCommands()
+void TestExecutable::accountCommandsAndOptionsReachTheLobby()
 {
     QTemporaryDir dir;
     const QStringList db{"--db", dir.filePath("lobby.sqlite")};
-    ServerProcess::Result r = ServerProcess::run(
-        QStringList{"account", "add", "Anna", "first", "--email", "anna@example.org"} + db);
-    QCOMPARE(r.exitCode, 0);
-    r = ServerProcess::run(QStringList{"account", "add", "ANNA", "x"} + db);
-    QCOMPARE(r.exitCode, 1);
-    QVERIFY(r.err.contains(QLatin1String("exists")));
-    QCOMPARE(ServerProcess::run(QStringList{"account", "password", "anna", "second"} + db).exitCode,
-             0);
-    QCOMPARE(ServerProcess::run(QStringList{"account", "password", "nobody", "x"} + db).exitCode,
-             1);
-    QCOMPARE(ServerProcess::run(
-                 QStringList{"account", "moderator", "Anna", "on", "--colour", "0x0080FF"} + db)
-                 .exitCode,
-             0);
-    r = ServerProcess::run(QStringList{"account", "list"} + db);
-    QCOMPARE(r.exitCode, 0);
-    QVERIFY2(r.out.contains(QLatin1String("1\tAnna\tyes\t33023\tanna@example.org")),
-             qPrintable(r.out));
+    const QList<std::pair<QStringList, int>> commands{
+        {{"add", "Anna", "first", "--email", "anna@example.org"}, 0},
+        {{"add", "ANNA", "x"}, 1}, // exists
+        {{"password", "anna", "second"}, 0},
+        {{"password", "nobody", "x"}, 1},
+        {{"moderator", "Anna", "on", "--colour", "0x0080FF"}, 0},
+    };
+    for (const auto &[command, exitCode] : commands)
+        QCOMPARE(ServerProcess::run(QStringList{"account"} + command + db).exitCode, exitCode);
+    const ServerProcess::Result list = ServerProcess::run(QStringList{"account", "list"} + db);
+    QCOMPARE(list.exitCode, 0);
+    QVERIFY2(list.out.contains(QLatin1String("1\tAnna\tyes\t33023\tanna@example.org")),
+             qPrintable(list.out));
 
-    // The lobby sees what the commands wrote: the new password, the flag and the colour.
+    // The lobby sees what the commands wrote, and takes the versions and registration given.
     ServerProcess server;
-    QVERIFY(server.start(db));
-    TestClient old(server.port());
-    QVERIFY(!old.login(QStringLiteral("Anna"), QStringLiteral("first")));
-    TestClient anna(server.port());
-    QVERIFY(anna.login(QStringLiteral("Anna"), QStringLiteral("second")));
-    const std::optional<protocol::Message> self = anna.take(Code::AddPlayer);
-    QVERIFY(self);
-    QCOMPARE(self->field(5), QStringLiteral("True"));
-    anna.send(Code::ChatLine, {QStringLiteral("hi")});
-    const std::optional<protocol::Message> line = anna.take(Code::ChatLine);
-    QVERIFY(line);
-    QCOMPARE(line->field(1), QStringLiteral("33023"));
-}
-
-void TestExecutable::optionsReachTheLobby()
-{
-    QTemporaryDir dir;
-    // Port in use: a clear refusal.
-    QTcpServer occupied;
-    QVERIFY(occupied.listen(QHostAddress::Any, 0));
-    const ServerProcess::Result busy = ServerProcess::run(
-        {"--db", dir.filePath("a.sqlite"), "--port", QString::number(occupied.serverPort())});
-    QCOMPARE(busy.exitCode, 1);
-    QVERIFY2(busy.err.contains(QLatin1String("cannot listen")), qPrintable(busy.err));
-
-    ServerProcess server;
-    QVERIFY(server.start({"--db", dir.filePath("b.sqlite"), "--versions", "V 7.0, V 7.1",
-                          "--registration", "open", "--listen", "127.0.0.1"}));
+    QVERIFY(server.start(db + QStringList{"--versions", "V 7.0, V 7.1", "--registration", "open",
+                                          "--listen", "127.0.0.1"}));
     TestClient old(server.port());
     old.send(Code::Version, {QStringLiteral("V 6.0")});
     QVERIFY(old.take(Code::OldVersion));
-    TestClient current(server.port());
-    QVERIFY(current.greet(QStringLiteral("V 7.1")));
-    current.send(Code::Login, {QStringLiteral("Someone"), QStringLiteral("pw")});
-    QVERIFY(current.take(Code::LoginAccepted));
+    const QString version = QStringLiteral("V 7.1");
+    QVERIFY(!TestClient(server.port()).login("Anna", "first", version));
+    TestClient anna(server.port());
+    QVERIFY(anna.login(QStringLiteral("Anna"), QStringLiteral("second"), version));
+    QCOMPARE(anna.take(Code::AddPlayer).value_or(Message{}).field(5), QStringLiteral("True"));
+    anna.send(Code::ChatLine, {QStringLiteral("hi")});
+    QCOMPARE(anna.take(Code::ChatLine).value_or(Message{}).field(1), QStringLiteral("33023"));
+    QVERIFY(TestClient(server.port()).login("Someone", "pw", version));
 }
 
 QTEST_GUILESS_MAIN(TestExecutable)

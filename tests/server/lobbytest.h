@@ -1,0 +1,138 @@
+#pragma once
+
+#include "protocol/codes.h"
+#include "protocol/framebuffer.h"
+#include "protocol/message.h"
+#include "server/accountstore.h"
+#include "server/buddystore.h"
+#include "server/clock.h"
+#include "server/database.h"
+#include "server/diagnosticstore.h"
+#include "server/lobbyconfig.h"
+#include "server/lobbyserver.h"
+#include "server/passwordhash.h"
+
+#include <QProcess>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <climits>
+#include <functional>
+#include <memory>
+#include <optional>
+
+using protocol::Code;
+using protocol::Message;
+
+// Runs the event loop until `done` holds or `timeoutMs` passes; whether it holds.
+bool waitUntil(const std::function<bool()> &done, int timeoutMs = 5000);
+QList<QStringList> fieldsOf(const QList<Message> &messages);
+QStringList namesOf(const QList<Message> &messages); // the first field of each
+
+// A lobby client for server tests: a real socket that sends messages and collects what the
+// server sends, cut into messages as the client cuts them.
+class TestClient
+{
+public:
+    explicit TestClient(quint16 port);
+
+    bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
+    bool waitForDisconnected()
+    {
+        return waitUntil([this] { return m_socket.state() == QAbstractSocket::UnconnectedState; });
+    }
+    void close() { m_socket.disconnectFromHost(); } // as a client that quits
+    void send(Code code, const QStringList &fields = {})
+    {
+        sendRaw(protocol::buildMessage(code, fields));
+    }
+    void sendRaw(const QByteArray &bytes)
+    {
+        m_socket.write(bytes);
+        m_socket.flush();
+    }
+
+    // Waits up to `timeoutMs` for `count` messages with `code`, then removes and returns the
+    // first `count` of them there are.
+    QList<Message> takeCount(Code code, int count, int timeoutMs = 5000);
+    std::optional<Message> take(Code code, int timeoutMs = 5000)
+    {
+        const QList<Message> taken = takeCount(code, 1, timeoutMs);
+        return taken.isEmpty() ? std::nullopt : std::optional(taken.first());
+    }
+    // Lets the server run for `ms`, then removes and returns every message with `code`.
+    QList<Message> takeAllAfter(Code code, int ms = 300) { return takeCount(code, INT_MAX, ms); }
+    bool hasPending(Code code, const QString &first = QString()) const;
+    const QList<Message> &pending() const { return m_messages; } // received, not taken
+    void clear() { m_messages.clear(); }
+
+    // True when every byte received forms complete messages of known codes, each with
+    // exactly its field count: nothing for a client to skip or misread.
+    bool receivedOnlyWellFormed() const { return !m_malformed && m_cut == m_received; }
+
+    bool greet(const QString &version = QStringLiteral("V 6.0")); // "VE"; true on "SL"
+    // Greets and logs in; the "LT" on success. Leaves the welcome ("AN", "AR") pending.
+    std::optional<Message> login(const QString &name, const QString &password,
+                                 const QString &version = QStringLiteral("V 6.0"));
+
+private:
+    QTcpSocket m_socket;
+    protocol::FrameBuffer m_buffer{protocol::Direction::ToClient};
+    QList<Message> m_messages;
+    qsizetype m_received = 0;
+    qsizetype m_cut = 0;
+    bool m_malformed = false;
+};
+
+// A lobby server in the test process on an ephemeral loopback port, over a fresh database
+// in a temporary folder. Its clock for the chat limit stands still until advanced.
+class TestLobby
+{
+public:
+    explicit TestLobby(server::LobbyConfig config = {});
+
+    int addAccount(const QString &name, const QString &password = QStringLiteral("pw"),
+                   const QString &email = QString()); // its id
+    int idOf(const QString &name) const { return accounts.findByName(name)->id; }
+    // A new client logged in as `name` (created when missing), returned once the players
+    // logged in before have heard of it. A failed login fails the test.
+    TestClient *loggedIn(const QString &name);
+    TestClient *connected(); // a new client that has said nothing yet
+
+    QTemporaryDir dir;
+    server::Database database;
+    server::AccountStore accounts{database};
+    server::BuddyStore buddies{database};
+    server::DiagnosticStore diagnostics{database};
+    server::PasswordWorker passwords;
+    server::ManualClock clock;
+    std::unique_ptr<server::LobbyServer> server;
+    bool listening = false;
+
+private:
+    std::vector<std::unique_ptr<TestClient>> m_clients; // closed before the server goes
+    QList<TestClient *> m_loggedIn;
+};
+
+// The real quorvel-server executable in a child process, for what only a process can show:
+// its command line, its exit codes, and surviving a kill.
+class ServerProcess
+{
+public:
+    ~ServerProcess() { killHard(); }
+    // Starts the lobby with `arguments` plus "--port 0" and waits for its listening line.
+    bool start(const QStringList &arguments);
+    quint16 port() const { return m_port; }
+    void killHard(); // SIGKILL, no chance to clean up
+
+    struct Result
+    {
+        int exitCode = -1;
+        QString out;
+        QString err;
+    };
+    static Result run(const QStringList &arguments); // to its end
+
+private:
+    QProcess m_process;
+    quint16 m_port = 0;
+};
