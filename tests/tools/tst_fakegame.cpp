@@ -1,33 +1,10 @@
+#include "fakegameprocess.h"
+
 #include <QNetworkDatagram>
-#include <QProcess>
 #include <QTest>
 #include <QUdpSocket>
 
 namespace {
-
-const QString kFakeGame = QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/fakegame");
-
-// A fakegame answering on 127.0.0.1 and any free port.
-struct FakeGame
-{
-    QProcess process;
-    quint16 port = 0;
-
-    bool start(const QStringList &arguments)
-    {
-        process.start(kFakeGame, QStringList{"-server", "0", "-bind", "127.0.0.1"} + arguments);
-        if (!process.waitForStarted() || !process.waitForReadyRead(5000))
-            return false;
-        const QList<QByteArray> words = process.readLine().trimmed().split(' ');
-        port = words.size() == 3 ? words[2].toUShort() : 0;
-        return port != 0;
-    }
-    ~FakeGame()
-    {
-        process.kill();
-        process.waitForFinished();
-    }
-};
 
 // Sends one datagram and returns the first answer, or nothing within the time.
 QByteArray ask(quint16 port, const QByteArray &request, int waitMs = 2000)
@@ -35,9 +12,7 @@ QByteArray ask(quint16 port, const QByteArray &request, int waitMs = 2000)
     QUdpSocket socket;
     socket.bind(QHostAddress::LocalHost, 0);
     socket.writeDatagram(request, QHostAddress::LocalHost, port);
-    if (!socket.waitForReadyRead(waitMs))
-        return {};
-    return socket.receiveDatagram().data();
+    return socket.waitForReadyRead(waitMs) ? socket.receiveDatagram().data() : QByteArray();
 }
 
 } // namespace
@@ -49,55 +24,27 @@ class TestFakeGame : public QObject
 private Q_SLOTS:
     void initTestCase() { QVERIFY2(QFile::exists(kFakeGame), "build the fakegame target first"); }
 
-    // The reply carries what the options say, as key/value pairs in the game's order.
-    void replyFollowsOptions_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QByteArray>("contains");
-        QTest::addColumn<QByteArray>("lacks");
-
-        QTest::newRow("example")
-            << QStringList{"-hostname", "My Game", "-map",        "Peaks",   "-gametype",
-                           "Survival",  "-locked", "-maxplayers", "16",      "-timelimit",
-                           "600",       "-player", "Bob:1:40",    "-player", "Al:2:55"}
-            << QByteArray("\\hostname\\My Game\\hostport\\") +
-                   "|\\mapname\\Peaks\\gametype\\Survival\\numplayers\\2\\maxplayers\\16\\" +
-                   "|\\password\\0\\rs_serverlocked\\1\\" +
-                   "|\\timelimit\\600\\player_0\\Bob\\team_0\\1\\ping_0\\40" +
-                   "\\player_1\\Al\\team_1\\2\\ping_1\\55\\final\\\\queryid\\1.1"
-            << QByteArray("\\player_2\\");
-        QTest::newRow("no time limit, password, nobody")
-            << QStringList{"-no-timelimit", "-password"}
-            << QByteArray("\\numplayers\\0\\|\\password\\1\\rs_serverlocked\\0\\|"
-                          "\\rs_highbandwidth\\0\\final\\\\queryid\\1.1")
-            << QByteArray("timelimit");
-    }
+    // The reply carries what the options say as key/value pairs in the game's order (the
+    // parts of `order` appear in turn); each reply has the next query id; other queries get
+    // no answer. What the client reads from a full reply is shown by the game-info tests.
     void replyFollowsOptions()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(QByteArray, contains);
-        QFETCH(QByteArray, lacks);
-
         FakeGame game;
-        QVERIFY(game.start(arguments));
-        const QByteArray reply = ask(game.port, "\\status\\");
-        QVERIFY2(reply.startsWith("\\gamename\\roguespear\\gamever\\"), reply.constData());
-        qsizetype from = 0;
-        for (const QByteArray &part : contains.split('|')) {
-            const qsizetype at = reply.indexOf(part, from);
-            QVERIFY2(at >= 0, (part + " in " + reply).constData());
-            from = at + part.size();
-        }
-        QVERIFY2(!reply.contains(lacks), reply.constData());
-        QVERIFY(reply.contains(QByteArray("\\hostport\\") + QByteArray::number(game.port) + "\\"));
-    }
-
-    void answersOnlyTheStatusQuery()
-    {
-        FakeGame game;
-        QVERIFY(game.start({}));
+        QVERIFY(game.start({"-no-timelimit", "-password"}));
         QCOMPARE(ask(game.port, "\\info\\", 200), QByteArray());
-        QVERIFY(ask(game.port, "\\status\\").endsWith("\\queryid\\1.1"));
+        const QByteArray reply = ask(game.port, "\\status\\");
+        const QList<QByteArray> order{"\\gamename\\roguespear\\gamever\\",
+                                      "\\hostport\\" + QByteArray::number(game.port) + "\\",
+                                      "\\numplayers\\0\\", "\\password\\1\\rs_serverlocked\\0\\",
+                                      "\\rs_highbandwidth\\0\\final\\\\queryid\\1.1"};
+        qsizetype from = 0;
+        for (const QByteArray &part : order) {
+            from = reply.indexOf(part, from);
+            QVERIFY2(from >= 0, (part + " in " + reply).constData());
+            from += part.size();
+        }
+        QVERIFY2(reply.startsWith(order[0]) && reply.endsWith(order.last()), reply.constData());
+        QVERIFY2(!reply.contains("timelimit") && !reply.contains("player_"), reply.constData());
         QVERIFY(ask(game.port, "\\status\\").endsWith("\\queryid\\2.1"));
     }
 
@@ -107,7 +54,6 @@ private Q_SLOTS:
         QTest::newRow("no -server") << QStringList{"-hostname", "x"};
         QTest::newRow("port not a number") << QStringList{"-server", "abc"};
         QTest::newRow("player without ping") << QStringList{"-server", "0", "-player", "Bob:1"};
-        QTest::newRow("bad address") << QStringList{"-server", "0", "-bind", "nowhere"};
     }
     void refusesBadCommandLines()
     {

@@ -1,39 +1,79 @@
 #include "client/game/frmgameinfo.h"
 #include "client/game/gameinfo.h"
 #include "client/game/gameserverquery.h"
-#include "client/lobby/lobbydispatcher.h"
-#include "client/rooms/roomlisthandlers.h"
 #include "client/rooms/roomlistmodel.h"
 #include "manualtickcount.h"
-#include "protocol/message.h"
+#include "tools/fakegameprocess.h"
 #include "udpresponder.h"
 
-#include <QAbstractItemModel>
 #include <QLabel>
-#include <QProcess>
 #include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTest>
 #include <QTreeView>
 #include <memory>
 
 namespace {
 
-const QString kFakeGame = QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/fakegame");
+QString example(bool withTimeLimit = true)
+{
+    return QString::fromLatin1(exampleReply(withTimeLimit));
+}
 
-// Everything one query needs, wired as the program wires it.
+// Drops "\key\value" from a reply.
+QString without(QString reply, const QString &key)
+{
+    const qsizetype at = reply.indexOf(u'\\' + key + u'\\');
+    return reply.remove(at, reply.indexOf(u'\\', at + key.size() + 2) - at);
+}
+
+// The reply with each key of `values` given a new value.
+QString with(QString reply, const QList<std::pair<QString, QString>> &values)
+{
+    for (const auto &[key, value] : values) {
+        const qsizetype start = reply.indexOf(u'\\' + key + u'\\') + key.size() + 2;
+        reply.replace(start, reply.indexOf(u'\\', start) - start, value);
+    }
+    return reply;
+}
+
+const QStringList kUntouched{"N/A", "N/A", "", "In game", "N/A", ""};
+
+// Everything one query needs, wired as the program wires it, and game servers on several
+// loopback addresses that share one port, as game servers do.
 struct Lobby
 {
     RoomListModel rooms;
     GameInfo info;
     ManualTickCount ticks;
     GameServerQuery query{rooms, info, ticks};
+    std::vector<std::unique_ptr<UdpResponder>> servers;
 
-    int addGameRow(const QString &address)
+    // Binds a responder on each of `addresses` and adds a running-game row for each of `rows`.
+    bool start(const QStringList &addresses, const QStringList &rows)
     {
-        return rooms.appendRow({"N/A", "N/A", "", "In game", "N/A", ""}, address,
-                               RoomListModel::RunningGame);
+        for (int attempt = 0; attempt < 20 && servers.size() < size_t(addresses.size());
+             ++attempt) {
+            servers.clear();
+            for (const QString &address : addresses) {
+                auto server = std::make_unique<UdpResponder>();
+                if (!server->socket.bind(QHostAddress(address), servers.empty() ? 0 : port()))
+                    break;
+                servers.push_back(std::move(server));
+            }
+        }
+        if (servers.size() != size_t(addresses.size()))
+            return false;
+        query.setQueryPort(port());
+        for (const QString &address : rows)
+            addGameRow(address);
+        return true;
+    }
+    quint16 port() const { return servers.front()->socket.localPort(); }
+    void addGameRow(const QString &address)
+    {
+        rooms.appendRow(kUntouched, address, RoomListModel::RunningGame);
     }
     QStringList row(const QString &address) const
     {
@@ -43,92 +83,181 @@ struct Lobby
             texts << rooms.text(r, RoomListModel::Column(c));
         return texts;
     }
-};
-
-const QStringList kUntouched{"N/A", "N/A", "", "In game", "N/A", ""};
-
-// Responders on several loopback addresses that share one port, as game servers do.
-std::vector<std::unique_ptr<UdpResponder>> respondersOn(const QStringList &addresses)
-{
-    for (int attempt = 0; attempt < 20; ++attempt) {
-        std::vector<std::unique_ptr<UdpResponder>> responders;
-        quint16 port = 0;
-        for (const QString &address : addresses) {
-            auto responder = std::make_unique<UdpResponder>();
-            if (!responder->bind(QHostAddress(address), port))
-                break;
-            port = responder->port();
-            responders.push_back(std::move(responder));
-        }
-        if (responders.size() == size_t(addresses.size()))
-            return responders;
-    }
-    return {};
-}
-
-// A running fakegame and the port its status query answers on.
-struct FakeGame
-{
-    QProcess process;
-    quint16 port = 0;
-
-    bool start(const QStringList &arguments)
+    // The port the query's request to `server` came from.
+    quint16 clientPort(int server) const
     {
-        process.start(kFakeGame, QStringList{"-server", "0", "-bind", "127.0.0.1"} + arguments);
-        if (!process.waitForStarted() || !process.waitForReadyRead(5000))
-            return false;
-        const QList<QByteArray> words = process.readLine().trimmed().split(' ');
-        port = words.size() == 3 ? words[2].toUShort() : 0;
-        return port != 0;
-    }
-    ~FakeGame()
-    {
-        process.kill();
-        process.waitForFinished();
+        return quint16(servers[server]->requests.value(0).senderPort());
     }
 };
-
-QString labelText(QWidget *window, const char *name)
-{
-    auto *label = window->findChild<QLabel *>(QLatin1String(name));
-    return label ? label->text() : QStringLiteral("<missing %1>").arg(QLatin1String(name));
-}
 
 } // namespace
 
-class TestGameServerQuery : public QObject
+class TestGameQuery : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY2(QFile::exists(kFakeGame), "build the fakegame target first"); }
-
-    void gameInfoWindowShowsFakeGame_data()
+    void exampleReplyFillsTable()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QStringList>("labels");
-
-        const QStringList example{"-hostname", "My Game",       "-map",        "Training",
-                                  "-gametype", "Team Survival", "-maxplayers", "16",
-                                  "-locked",   "-timelimit",    "600",         "-player",
-                                  "Bob:1:40",  "-player",       "Al:2:55"};
-        QStringList labels{"Room name: My Game", "Map: Training", "Game type: Team Survival",
-                           "Players: 2/16",      "Password: NO",  "Locked: YES",
-                           "Timelimit: 10 min"};
-        QTest::newRow("example") << example << labels;
-        QStringList noLimit = example;
-        noLimit.removeAt(noLimit.indexOf("-timelimit") + 1);
-        noLimit.replace(noLimit.indexOf("-timelimit"), "-no-timelimit");
-        labels[6] = QStringLiteral("Timelimit: none");
-        QTest::newRow("no time limit") << noLimit << labels;
+        GameInfo info;
+        info.addInfo(example(), false);
+        QStringList cells; // keys in column 1, values with their backslashes in column 2
+        for (const auto &[column, row] : QList<std::pair<int, int>>{
+                 {1, 3}, {2, 3}, {2, 1}, {2, 18}, {1, 19}, {2, 19}, {0, 3}, {3, 3}})
+            cells << info.getTestArray(column, row);
+        QCOMPARE(cells, (QStringList{"hostname\\", "\\My Game\\", "\\roguespear\\", "\\600\\",
+                                     "player_0\\", "", "", ""}));
+        QCOMPARE(info.getSpelare(), QStringLiteral("\\Bob\\"));
+        QCOMPARE(info.table().players().value(1).ping, QStringLiteral("\\55\\"));
     }
+
+    // A second reply that lacks a key (or the key after it) keeps the first reply's value.
+    void missingKeysKeepEarlierValues_data()
+    {
+        QTest::addColumn<QString>("second");
+        QTest::addColumn<QList<int>>("keptRows");
+
+        const QString renamed = with(example(), {{"hostname", "Other"}, {"mapname", "Peaks"}});
+        QTest::newRow("no mapname") << without(renamed, "mapname") << QList<int>{5, 6};
+        QTest::newRow("no players: the time limit keeps")
+            << renamed.left(renamed.indexOf("\\player_0")) + "\\final\\\\queryid\\1.1"
+            << QList<int>{18};
+        QTest::newRow("keys out of order: the misplaced one keeps")
+            << without(renamed, "gametype").replace("\\gamename\\", "\\gametype\\CTF\\gamename\\")
+            << QList<int>{6, 7};
+    }
+    void missingKeysKeepEarlierValues()
+    {
+        QFETCH(QString, second);
+        QFETCH(QList<int>, keptRows);
+
+        GameInfo first, fresh, both;
+        first.addInfo(example(), false);
+        fresh.addInfo(second, false);
+        both.addInfo(example(), false);
+        both.addInfo(second, false);
+        for (int row = 1; row <= 18; ++row) {
+            const QString expected =
+                keptRows.contains(row) ? first.getTestArray(2, row) : fresh.getTestArray(2, row);
+            QVERIFY2(both.getTestArray(2, row) == expected, qPrintable(QString::number(row)));
+        }
+    }
+
+    // The players of an earlier reply never carry over into a later one.
+    void playerCount_data()
+    {
+        QTest::addColumn<QString>("numplayers");
+        QTest::addColumn<int>("listed");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QStringList>("names");
+
+        const QStringList two{"\\P0\\", "\\P1\\"};
+        QTest::newRow("fraction truncated") << "2.9" << 3 << 2 << two;
+        QTest::newRow("not a number") << "abc" << 2 << 0 << QStringList{};
+        QTest::newRow("more than listed") << "3" << 2 << 3 << two + QStringList{""};
+        QStringList sixteen;
+        for (int j = 0; j < 16; ++j)
+            sixteen << QStringLiteral("\\P%1\\").arg(j);
+        QTest::newRow("forty, sixteen read") << "40" << 40 << 40 << sixteen;
+        QTest::newRow("huge") << "99999999999" << 1 << std::numeric_limits<int>::max()
+                              << QStringList{"\\P0\\"} + QStringList(15, QString());
+    }
+    void playerCount()
+    {
+        QFETCH(QString, numplayers);
+        QFETCH(int, listed);
+        QFETCH(int, count);
+        QFETCH(QStringList, names);
+
+        const QString reply = with(example(), {{"numplayers", numplayers}});
+        GameInfo info;
+        info.addInfo(example(), false);
+        info.addInfo(reply.left(reply.indexOf("\\player_0")) +
+                         QString::fromLatin1(playerKeys(listed)),
+                     false);
+        QCOMPARE(info.table().playerCount(), count);
+        QStringList held;
+        for (const StatusTable::Player &player : info.table().players())
+            held << player.name;
+        QCOMPARE(held, names);
+        QCOMPARE(info.getSpelare(), names.value(0));
+        QCOMPARE(info.playersModel()->rowCount(), names.size());
+    }
+
+    void labels_data()
+    {
+        QTest::addColumn<QString>("reply");
+        QTest::addColumn<QStringList>("texts");
+
+        const QStringList texts{"Room name: My Game", "Map: Training", "Game type: Team Survival",
+                                "Players: 2/16",      "Password: NO",  "Locked: YES",
+                                "Timelimit: 10 min"};
+        const auto changed = [&](const QList<std::pair<int, QString>> &changes) {
+            QStringList result = texts;
+            for (const auto &[at, text] : changes)
+                result[at] = text;
+            return result;
+        };
+        QTest::newRow("no time limit") << example(false) << changed({{6, "Timelimit: none"}});
+        QTest::newRow("password, unlocked, 90 s")
+            << with(example(), {{"password", "1"}, {"rs_serverlocked", "0"}, {"timelimit", "90"}})
+            << changed({{4, "Password: YES"}, {5, "Locked: NO"}, {6, "Timelimit: 1.5 min"}});
+        QTest::newRow("empty flag, word for a limit")
+            << with(example(), {{"password", ""}, {"timelimit", "x"}})
+            << changed({{4, "Password: YES"}, {6, "Timelimit: 0 min"}});
+        QTest::newRow("long names cut to 35")
+            << with(example(), {{"hostname", QString(40, u'n')}, {"mapname", QString(36, u'm')}})
+            << changed({{0, "Room name: " + QString(35, u'n')}, {1, "Map: " + QString(35, u'm')}});
+    }
+    void labels()
+    {
+        QFETCH(QString, reply);
+        QFETCH(QStringList, texts);
+
+        GameInfo info;
+        info.addInfo(reply, false);
+        const GameInfoLabels labels = info.labels();
+        QCOMPARE((QStringList{labels.roomName, labels.map, labels.gameType, labels.players,
+                              labels.password, labels.locked, labels.timeLimit}),
+                 texts);
+        QCOMPARE(labels.roomNameTip, withoutBackslashes(info.getTestArray(2, 3)));
+        QCOMPARE(labels.mapTip, withoutBackslashes(info.getTestArray(2, 6)));
+    }
+
+    // Random replies, half of them made of real keys and markers: whatever they hold, every
+    // value starts at a key's backslash and no more than sixteen players are read.
+    void randomRepliesNeverBreakTheTable()
+    {
+        const QStringList pieces{"\\",           "gamename\\",   "hostname\\",  "mapname\\",
+                                 "numplayers\\", "maxplayers\\", "timelimit\\", "player_0\\",
+                                 "\\player_1\\", "\\team_0\\",   "\\ping_0\\",  "final\\",
+                                 "queryid",      "17",           "x",           "password\\",
+                                 "player_",      "\\ping_1\\"};
+        QRandomGenerator random(7);
+        GameInfo info;
+        for (int round = 0; round < 20000; ++round) {
+            QString data;
+            for (int i = random.bounded(60); i > 0; --i)
+                data += random.bounded(2) ? pieces[random.bounded(pieces.size())]
+                                          : QString(QChar(char16_t(random.bounded(1, 256))));
+            info.addInfo(data, round % 2);
+            for (int row = 1; row <= 18; ++row) {
+                const QString value = info.getTestArray(2, row);
+                QVERIFY(value.isEmpty() || value.startsWith(u'\\'));
+            }
+            QVERIFY(info.table().players().size() <= StatusTable::kMaxPlayers);
+            QCOMPARE(info.playersModel()->rowCount(), info.table().players().size());
+            (void)info.labels();
+        }
+    }
+
     void gameInfoWindowShowsFakeGame()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(QStringList, labels);
-
+        QVERIFY2(QFile::exists(kFakeGame), "build the fakegame target first");
         FakeGame game;
-        QVERIFY(game.start(arguments));
+        QVERIFY(game.start({"-hostname", "My Game", "-map", "Training", "-gametype",
+                            "Team Survival", "-maxplayers", "16", "-locked", "-timelimit", "600",
+                            "-player", "Bob:1:40", "-player", "Al:2:55"}));
         Lobby lobby;
         lobby.query.setQueryPort(game.port);
         FrmGameInfo window(lobby.info);
@@ -136,152 +265,81 @@ private Q_SLOTS:
 
         lobby.query.queryGameInfo(QStringLiteral("127.0.0.1"));
         QTRY_VERIFY(window.isVisible());
-
         QCOMPARE(window.objectName(), QStringLiteral("frmGameInfo"));
         QCOMPARE(window.windowTitle(), QStringLiteral("Game Info"));
-        QVERIFY(window.windowFlags() & Qt::FramelessWindowHint);
-        QCOMPARE(
-            (QStringList{labelText(&window, "roomNameLabel"), labelText(&window, "mapLabel"),
-                         labelText(&window, "gameTypeLabel"), labelText(&window, "playersLabel"),
-                         labelText(&window, "passwordLabel"), labelText(&window, "lockedLabel"),
-                         labelText(&window, "timeLimitLabel")}),
-            labels);
-        QCOMPARE(window.roomNameLabel->toolTip(), QStringLiteral("My Game"));
-
+        QStringList labels;
+        for (const char *name : {"roomNameLabel", "mapLabel", "gameTypeLabel", "playersLabel",
+                                 "passwordLabel", "lockedLabel", "timeLimitLabel"}) {
+            auto *label = window.findChild<QLabel *>(QLatin1String(name));
+            labels << (label ? label->text() : QLatin1String(name) + QStringLiteral(" missing"));
+        }
+        QCOMPARE(labels, (QStringList{"Room name: My Game", "Map: Training",
+                                      "Game type: Team Survival", "Players: 2/16", "Password: NO",
+                                      "Locked: YES", "Timelimit: 10 min"}));
         auto *list = window.findChild<QTreeView *>(QStringLiteral("playerList"));
         QVERIFY(list);
-        const QAbstractItemModel *players = list->model();
-        QCOMPARE(players->rowCount(), 2);
-        QCOMPARE(players->index(0, 0).data().toString(), QStringLiteral("Bob"));
-        QCOMPARE(players->index(0, 1).data().toString(), QStringLiteral("40"));
-        QCOMPARE(players->index(1, 0).data().toString(), QStringLiteral("Al"));
-        QCOMPARE(players->index(1, 1).data().toString(), QStringLiteral("55"));
-        // The game-info query leaves the room list alone.
-        QCOMPARE(lobby.query.nextPingSlot(), 0);
+        QStringList players;
+        for (int r = 0; r < list->model()->rowCount(); ++r)
+            players << list->model()->index(r, 0).data().toString()
+                    << list->model()->index(r, 1).data().toString();
+        QCOMPARE(players, (QStringList{"Bob", "40", "Al", "55"}));
+        QCOMPARE(lobby.query.nextPingSlot(), 0); // the game-info query leaves the pings alone
     }
 
-    // A ping reply fills only the row of the address that answered; the ping is the time
-    // between request and reply, right-aligned in eight characters.
-    void pingFillsItsRow_data()
-    {
-        QTest::addColumn<qint64>("elapsed");
-        QTest::addColumn<QString>("ping");
-
-        QTest::newRow("7 ms") << qint64(7) << QStringLiteral("       7");
-        QTest::newRow("0 ms") << qint64(0) << QStringLiteral("       0");
-        QTest::newRow("seven digits") << qint64(1234567) << QStringLiteral(" 1234567");
-        QTest::newRow("eight digits") << qint64(12345678) << QStringLiteral("12345678");
-    }
-    void pingFillsItsRow()
-    {
-        QFETCH(qint64, elapsed);
-        QFETCH(QString, ping);
-
-        auto responders = respondersOn({"127.0.0.2", "127.0.0.3"});
-        QVERIFY(!responders.empty());
-        responders[0]->setReply(exampleReply());
-        Lobby lobby;
-        lobby.query.setQueryPort(responders[0]->port());
-        lobby.addGameRow(QStringLiteral("127.0.0.3"));
-        lobby.addGameRow(QStringLiteral("127.0.0.2"));
-
-        lobby.ticks.set(5000);
-        lobby.query.pingGameServer(QStringLiteral("127.0.0.2"));
-        lobby.ticks.set(5000 + elapsed);
-        QTRY_COMPARE(lobby.row(QStringLiteral("127.0.0.2")),
-                     (QStringList{"Bob", "My Game", ping, "In game", "       2", "Training"}));
-        QCOMPARE(lobby.row(QStringLiteral("127.0.0.3")), kUntouched);
-        QCOMPARE(lobby.query.nextPingSlot(), 1);
-        QCOMPARE(lobby.query.localPort(1), quint16(0)); // released after its reply
-        QCOMPARE(responders[0]->requests.size(), 1);
-        QCOMPARE(responders[0]->requests[0].data(), QByteArray("\\status\\"));
-    }
-
-    // Datagrams without "queryid" are not replies; the socket still takes the real one.
-    void replyWithoutQueryIdIgnored_data()
+    // Stray datagrams on a waiting socket: one without "queryid" is no reply, and the socket
+    // still takes the real one; a reply from an address without a row is parsed but fills
+    // nothing, and its socket goes, so the real server's late answer finds no one listening.
+    void strayDatagrams_data()
     {
         QTest::addColumn<bool>("gameInfoSlot");
-        QTest::newRow("ping") << false;
-        QTest::newRow("game info") << true;
+        QTest::addColumn<bool>("fromStranger");
+        QTest::addColumn<QString>("host"); // the row's first column in the end
+        QTest::newRow("no queryid, ping") << false << false << "Bob";
+        QTest::newRow("no queryid, game info") << true << false << "N/A";
+        QTest::newRow("unknown address") << false << true << "N/A";
     }
-    void replyWithoutQueryIdIgnored()
+    void strayDatagrams()
     {
         QFETCH(bool, gameInfoSlot);
+        QFETCH(bool, fromStranger);
+        QFETCH(QString, host);
 
-        auto responders = respondersOn({"127.0.0.2"});
-        QVERIFY(!responders.empty());
-        UdpResponder &server = *responders[0];
         Lobby lobby;
-        lobby.query.setQueryPort(server.port());
-        lobby.addGameRow(QStringLiteral("127.0.0.2"));
+        QVERIFY(lobby.start({"127.0.0.2", "127.0.0.4"}, {"127.0.0.2"}));
         QSignalSpy changed(&lobby.info, &GameInfo::changed);
         QSignalSpy shown(&lobby.info, &GameInfo::showRequested);
-
         if (gameInfoSlot)
             lobby.query.queryGameInfo(QStringLiteral("127.0.0.2"));
         else
             lobby.query.pingGameServer(QStringLiteral("127.0.0.2"));
-        QTRY_COMPARE(server.requests.size(), 1);
-        const quint16 clientPort = quint16(server.requests[0].senderPort());
+        QTRY_COMPARE(lobby.servers[0]->requests.size(), 1);
+        const quint16 port = lobby.clientPort(0);
+        QCOMPARE(lobby.query.localPort(gameInfoSlot ? 0 : 1), port);
 
-        QByteArray noId = exampleReply();
-        noId.replace("queryid", "queryXX");
-        server.sendTo(noId, clientPort);
+        if (fromStranger)
+            lobby.servers[1]->sendTo(exampleReply(), port);
+        else
+            lobby.servers[0]->sendTo(exampleReply().replace("queryid", "queryXX"), port);
         QTest::qWait(100);
-        QCOMPARE(changed.size(), 0);
-        QCOMPARE(lobby.row(QStringLiteral("127.0.0.2")), kUntouched);
-
-        server.sendTo(exampleReply(), clientPort);
-        QTRY_COMPARE(changed.size(), 1);
-        QCOMPARE(shown.size(), gameInfoSlot ? 1 : 0);
-        QCOMPARE(lobby.row(QStringLiteral("127.0.0.2"))[0],
-                 gameInfoSlot ? QStringLiteral("N/A") : QStringLiteral("Bob"));
-    }
-
-    // A reply from an address without a row is parsed but fills nothing, and its socket goes,
-    // so the real server's late answer finds no one listening.
-    void replyFromUnknownAddressDropped()
-    {
-        auto responders = respondersOn({"127.0.0.2", "127.0.0.4"});
-        QVERIFY(!responders.empty());
-        UdpResponder &server = *responders[0];
-        UdpResponder &stranger = *responders[1];
-        Lobby lobby;
-        lobby.query.setQueryPort(server.port());
-        lobby.addGameRow(QStringLiteral("127.0.0.2"));
-        QSignalSpy changed(&lobby.info, &GameInfo::changed);
-
-        lobby.query.pingGameServer(QStringLiteral("127.0.0.2"));
-        QTRY_COMPARE(server.requests.size(), 1);
-        const quint16 clientPort = quint16(server.requests[0].senderPort());
-        QCOMPARE(lobby.query.localPort(1), clientPort);
-
-        stranger.sendTo(exampleReply(), clientPort);
-        QTRY_COMPARE(changed.size(), 1);
-        QCOMPARE(lobby.info.getTestArray(2, 3), QStringLiteral("\\My Game\\"));
-        QCOMPARE(lobby.row(QStringLiteral("127.0.0.2")), kUntouched);
-        QCOMPARE(lobby.query.localPort(1), quint16(0));
-
-        server.sendTo(exampleReply(), clientPort);
+        QCOMPARE(changed.size(), fromStranger ? 1 : 0);
+        QCOMPARE(lobby.row("127.0.0.2"), kUntouched);
+        lobby.servers[0]->sendTo(exampleReply(), port);
         QTest::qWait(100);
         QCOMPARE(changed.size(), 1);
-        QCOMPARE(lobby.row(QStringLiteral("127.0.0.2")), kUntouched);
+        QCOMPARE(shown.size(), gameInfoSlot ? 1 : 0);
+        QCOMPARE(lobby.info.getTestArray(2, 3), QStringLiteral("\\My Game\\"));
+        QCOMPARE(lobby.row("127.0.0.2")[0], host);
+        QCOMPARE(lobby.query.localPort(1), quint16(0));
     }
 
     // Slots are used in turn from 1 to 100; the 101st ping takes slot 1 again and its old
     // socket, still waiting for a server that never answered, is gone.
     void hundredAndFirstPingReusesSlotOne()
     {
-        auto responders = respondersOn({"127.0.0.2", "127.0.0.3"});
-        QVERIFY(!responders.empty());
-        UdpResponder &silent = *responders[0];
-        UdpResponder &answering = *responders[1];
-        answering.setReply(exampleReply());
         Lobby lobby;
-        lobby.query.setQueryPort(silent.port());
-        lobby.addGameRow(QStringLiteral("127.0.0.2"));
-        lobby.addGameRow(QStringLiteral("127.0.0.3"));
-
+        QVERIFY(lobby.start({"127.0.0.2", "127.0.0.3"}, {"127.0.0.2", "127.0.0.3"}));
+        UdpResponder &silent = *lobby.servers[0];
+        lobby.servers[1]->reply = exampleReply();
         for (int i = 1; i <= 100; ++i) {
             lobby.query.pingGameServer(QStringLiteral("127.0.0.2"));
             QCOMPARE(lobby.query.nextPingSlot(), i);
@@ -292,113 +350,83 @@ private Q_SLOTS:
 
         lobby.query.pingGameServer(QStringLiteral("127.0.0.3"));
         QCOMPARE(lobby.query.nextPingSlot(), 1);
-        QTRY_COMPARE(lobby.row(QStringLiteral("127.0.0.3"))[0], QStringLiteral("Bob"));
-
+        QTRY_COMPARE(lobby.row("127.0.0.3")[0], QStringLiteral("Bob"));
         silent.sendTo(exampleReply(), firstSlotPort);
         QTest::qWait(100);
-        QCOMPARE(lobby.row(QStringLiteral("127.0.0.2")), kUntouched);
+        QCOMPARE(lobby.row("127.0.0.2"), kUntouched);
         silent.sendTo(exampleReply(), secondSlotPort);
-        QTRY_COMPARE(lobby.row(QStringLiteral("127.0.0.2"))[0], QStringLiteral("Bob"));
+        QTRY_COMPARE(lobby.row("127.0.0.2")[0], QStringLiteral("Bob"));
     }
 
     // Refresh pings the running-game rows in list order and leaves rooms alone.
     void refreshPingsOnlyRunningGames()
     {
-        auto responders = respondersOn({"127.0.0.2", "127.0.0.3", "127.0.0.4"});
-        QVERIFY(!responders.empty());
         Lobby lobby;
-        lobby.query.setQueryPort(responders[0]->port());
-        lobby.addGameRow(QStringLiteral("127.0.0.3"));
+        QVERIFY(lobby.start({"127.0.0.2", "127.0.0.3", "127.0.0.4"}, {"127.0.0.3"}));
         lobby.rooms.appendRow({"Host", "Room", "", "In chat", "       1", ""},
                               QStringLiteral("127.0.0.2"), RoomListModel::OpenRoom);
         lobby.addGameRow(QStringLiteral("127.0.0.4"));
 
         lobby.query.refreshPings();
         QCOMPARE(lobby.query.nextPingSlot(), 2);
-        QTRY_COMPARE(responders[1]->requests.size(), 1);
-        QTRY_COMPARE(responders[2]->requests.size(), 1);
+        QTRY_COMPARE(lobby.servers[1]->requests.size(), 1);
+        QTRY_COMPARE(lobby.servers[2]->requests.size(), 1);
         QTest::qWait(50);
-        QCOMPARE(responders[0]->requests.size(), 0);
-        QCOMPARE(quint16(responders[1]->requests[0].senderPort()), lobby.query.localPort(1));
-        QCOMPARE(quint16(responders[2]->requests[0].senderPort()), lobby.query.localPort(2));
+        QCOMPARE(lobby.servers[0]->requests.size(), 0);
+        QCOMPARE(lobby.clientPort(1), lobby.query.localPort(1));
+        QCOMPARE(lobby.clientPort(2), lobby.query.localPort(2));
     }
 
-    // Replies with many players, few keys or random bytes never crash, and texts too short
-    // to carry their backslashes leave the columns as they were.
-    void oddRepliesKeepTheListWhole_data()
+    // A ping reply fills only the row of the address that answered, the ping being the time
+    // between request and reply right-aligned in eight characters, and its socket goes.
+    // Replies with many players, few keys or random bytes never crash; texts too short to
+    // carry their backslashes leave the columns as they were.
+    void pingFillsItsRow_data()
     {
         QTest::addColumn<QByteArray>("reply");
+        QTest::addColumn<qint64>("elapsed");
         QTest::addColumn<QStringList>("row");
 
-        QByteArray forty = exampleReply();
+        QTest::newRow("7 ms") << exampleReply() << qint64(7)
+                              << QStringList{"Bob",     "My Game",  "       7",
+                                             "In game", "       2", "Training"};
+        QByteArray forty = exampleReply().replace("\\numplayers\\2", "\\numplayers\\40");
         forty.truncate(forty.indexOf("\\player_0"));
-        forty.replace("\\numplayers\\2", "\\numplayers\\40");
-        for (int j = 0; j < 40; ++j)
-            forty += QStringLiteral("\\player_%1\\P%1\\team_%1\\1\\ping_%1\\%2")
-                         .arg(j)
-                         .arg(j + 20)
-                         .toLatin1();
-        forty += "\\final\\\\queryid\\2.1";
         QTest::newRow("forty players")
-            << forty << QStringList{"P0", "My Game", "       3", "In game", "      40", "Training"};
-        QTest::newRow("only a query id")
-            << QByteArray("\\queryid\\1.1")
-            << QStringList{"N/A", "N/A", "       3", "In game", "        ", ""};
+            << forty + playerKeys(40) << qint64(3)
+            << QStringList{"P0", "My Game", "       3", "In game", "      40", "Training"};
+        const QStringList empty{"N/A", "N/A", "       3", "In game", "        ", ""};
+        QTest::newRow("only a query id") << QByteArray("\\queryid\\1.1") << qint64(3) << empty;
         QTest::newRow("empty values")
             << QByteArray("\\hostname\\\\hostport\\\\mapname\\\\gametype\\\\numplayers\\\\"
                           "maxplayers\\\\final\\\\queryid\\1.1")
-            << QStringList{"N/A", "", "       3", "In game", "        ", ""};
+            << qint64(3) << QStringList{"N/A", "", "       3", "In game", "        ", ""};
         QByteArray junk(900, Qt::Uninitialized);
         QRandomGenerator random(11);
         for (char &byte : junk)
             byte = char(random.bounded(256));
-        QTest::newRow("random bytes")
-            << junk.insert(300, "queryid")
-            << QStringList{"N/A", "N/A", "       3", "In game", "        ", ""};
+        QTest::newRow("random bytes") << junk.insert(300, "queryid") << qint64(3) << empty;
     }
-    void oddRepliesKeepTheListWhole()
+    void pingFillsItsRow()
     {
         QFETCH(QByteArray, reply);
+        QFETCH(qint64, elapsed);
         QFETCH(QStringList, row);
 
-        auto responders = respondersOn({"127.0.0.2"});
-        QVERIFY(!responders.empty());
-        responders[0]->setReply(reply);
         Lobby lobby;
-        lobby.query.setQueryPort(responders[0]->port());
-        lobby.addGameRow(QStringLiteral("127.0.0.2"));
-        lobby.ticks.set(100);
+        QVERIFY(lobby.start({"127.0.0.2", "127.0.0.3"}, {"127.0.0.3", "127.0.0.2"}));
+        lobby.servers[0]->reply = reply;
+        lobby.ticks.set(5000);
         lobby.query.pingGameServer(QStringLiteral("127.0.0.2"));
-        lobby.ticks.set(103);
-        QTRY_COMPARE(lobby.row(QStringLiteral("127.0.0.2")), row);
-    }
-
-    // Wired as the program wires it: a room that closes because its game runs becomes a
-    // running-game row, which is queried at once and filled from the game's answer.
-    void roomWhoseGameRunsGetsFilled()
-    {
-        FakeGame game;
-        QVERIFY(game.start({"-hostname", "Night Ops", "-map", "Alcatraz", "-player", "Eve:1:12"}));
-        Lobby lobby;
-        lobby.query.setQueryPort(game.port);
-        LobbyDispatcher dispatcher;
-        RoomListHandlers handlers(lobby.rooms, dispatcher, {});
-        connect(&handlers, &RoomListHandlers::gameRowAdded, &lobby.query,
-                &GameServerQuery::pingGameServer);
-
-        dispatcher.receive(protocol::buildMessage(
-            protocol::Code::AddRoom, {"Eve", "Room", "127.0.0.1", "In chat", "2", "0"}));
-        dispatcher.receive(protocol::buildMessage(protocol::Code::RemoveRoom, {"Eve", "1"}));
+        lobby.ticks.set(5000 + elapsed);
+        QTRY_COMPARE(lobby.row("127.0.0.2"), row);
+        QCOMPARE(lobby.row("127.0.0.3"), kUntouched);
         QCOMPARE(lobby.query.nextPingSlot(), 1);
-        QTRY_COMPARE(lobby.row(QStringLiteral("127.0.0.1"))[5], QStringLiteral("Alcatraz"));
-        QStringList row = lobby.row(QStringLiteral("127.0.0.1"));
-        QVERIFY2(QRegularExpression(QStringLiteral("^ {7}[0-9]$")).match(row[2]).hasMatch(),
-                 qPrintable(row[2])); // the manual tick count stands still: 0 ms
-        row[2].clear();
-        QCOMPARE(row, (QStringList{"Eve", "Night Ops", "", "In game", "       1", "Alcatraz"}));
-        QCOMPARE(lobby.rooms.icon(0), RoomListModel::RunningGame);
+        QCOMPARE(lobby.query.localPort(1), quint16(0));
+        QCOMPARE(lobby.servers[0]->requests.size(), 1);
+        QCOMPARE(lobby.servers[0]->requests[0].data(), QByteArray("\\status\\"));
     }
 };
 
-QTEST_MAIN(TestGameServerQuery)
+QTEST_MAIN(TestGameQuery)
 #include "tst_gameserverquery.moc"

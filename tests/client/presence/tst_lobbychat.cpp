@@ -6,13 +6,12 @@
 #include "client/presence/chatwords.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/sendrateguard.h"
-#include "loopbacklobby.h"
 #include "protocol/message.h"
+#include "support/scriptedserver.h"
 
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
@@ -31,18 +30,16 @@ QStringList runsOf(const QTextBlock &block)
     QStringList runs;
     QString lastStyle;
     for (auto it = block.begin(); !it.atEnd(); ++it) {
-        const QTextFragment piece = it.fragment();
-        const QTextCharFormat format = piece.charFormat();
+        const QTextCharFormat format = it.fragment().charFormat();
         QString style = format.foreground().color().name();
         if (format.fontWeight() == QFont::Bold)
             style += QStringLiteral("[b]");
         if (format.isAnchor())
             style = QStringLiteral("<link ") + format.anchorHref() + u'>';
-        if (!runs.isEmpty() && style == lastStyle) {
-            runs.last().insert(runs.last().lastIndexOf(u'|'), piece.text());
-            continue;
-        }
-        runs << piece.text() + u'|' + style;
+        if (!runs.isEmpty() && style == lastStyle)
+            runs.last().insert(runs.last().lastIndexOf(u'|'), it.fragment().text());
+        else
+            runs << it.fragment().text() + u'|' + style;
         lastStyle = style;
     }
     return runs;
@@ -76,13 +73,24 @@ struct ChatWindow
         clock.set(kStart.addSecs(60));
         chat.registerHandler(dispatcher);
     }
-
+    bool connectTo(ScriptedServer &server)
+    {
+        connection.connectToLobby(QStringLiteral("127.0.0.1"), server.port());
+        return QTest::qWaitFor([this] { return connection.isConnected(); });
+    }
     // The user has focused the input once and typed `text`.
     void type(const QString &text)
     {
         QFocusEvent focus(QEvent::FocusIn);
         QCoreApplication::sendEvent(txtChatSend, &focus);
         txtChatSend->setText(text);
+    }
+    // Puts the caret at the `nth` place where `text` occurs plus `offset`.
+    void caretAt(const QString &text, int offset = 0, QTextCursor::MoveMode mode = {})
+    {
+        QTextCursor cursor = txtChat->textCursor();
+        cursor.setPosition(int(txtChat->document()->toRawText().indexOf(text)) + offset, mode);
+        txtChat->setTextCursor(cursor);
     }
 
     KeySink window;
@@ -97,11 +105,6 @@ struct ChatWindow
     LobbyChat chat;
 };
 
-QString rawText(const QTextBrowser &box)
-{
-    return box.document()->toRawText();
-}
-
 } // namespace
 
 class TestLobbyChat : public QObject
@@ -109,96 +112,51 @@ class TestLobbyChat : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // Lines arrive as "MD" through the real dispatcher; the box starts with an empty line.
     void chatLineLayout_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("colour");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("after"); // the runs after the time and its two spaces
+        QTest::addColumn<QStringList>("fields"); // name, colour, text
+        QTest::addColumn<QStringList>("after");  // the runs after the time and its two spaces
 
-        QTest::newRow("red text") << "Bob"
-                                  << "255"
-                                  << "hello there"
+        QTest::newRow("red text") << QStringList{"Bob", "255", "hello there"}
                                   << QStringList{"Bob|#000000[b]", "  >   |#000000",
                                                  "hello there |#ff0000"};
         QTest::newRow("black text merges with the arrow")
-            << "Bob"
-            << "0"
-            << "hi" << QStringList{"Bob|#000000[b]", "  >   hi |#000000"};
-        QTest::newRow("BGR order")
-            << "Al"
-            << "16711680"
-            << "x" << QStringList{"Al|#000000[b]", "  >   |#000000", "x |#0000ff"};
+            << QStringList{"Bob", "0", "hi"} << QStringList{"Bob|#000000[b]", "  >   hi |#000000"};
+        QTest::newRow("BGR order") << QStringList{"Al", "16711680", "x"}
+                                   << QStringList{"Al|#000000[b]", "  >   |#000000", "x |#0000ff"};
         QTest::newRow("fraction rounded down")
-            << "Al"
-            << "65280.9"
-            << "x" << QStringList{"Al|#000000[b]", "  >   |#000000", "x |#00ff00"};
+            << QStringList{"Al", "65280.9", "x"}
+            << QStringList{"Al|#000000[b]", "  >   |#000000", "x |#00ff00"};
         QTest::newRow("not a number is black")
-            << "Al"
-            << "red"
-            << "x" << QStringList{"Al|#000000[b]", "  >   x |#000000"};
-        QTest::newRow("negative is black")
-            << "Al"
-            << "-5"
-            << "x" << QStringList{"Al|#000000[b]", "  >   x |#000000"};
+            << QStringList{"Al", "red", "x"} << QStringList{"Al|#000000[b]", "  >   x |#000000"};
         QTest::newRow("markup is text")
-            << "<b>A</b>"
-            << "0"
-            << "<i>x</i> &amp;"
+            << QStringList{"<b>A</b>", "0", "<i>x</i> &amp;"}
             << QStringList{"<b>A</b>|#000000[b]", "  >   <i>x</i> &amp; |#000000"};
         QTest::newRow("addresses become links")
-            << "Bob"
-            << "255"
-            << "see www.example.com, or (https://a.org/x)"
+            << QStringList{"Bob", "255", "see www.example.com, or (https://a.org/x)"}
             << QStringList{"Bob|#000000[b]", "  >   |#000000",
                            "see |#ff0000",   "www.example.com|<link www.example.com>",
                            ", or (|#ff0000", "https://a.org/x|<link https://a.org/x>",
                            ") |#ff0000"};
-        QTest::newRow("empty text keeps its space")
-            << "Bob"
-            << "255"
-            << "" << QStringList{"Bob|#000000[b]", "  >   |#000000", " |#ff0000"};
     }
-
-    // Lines arrive as "MD" through the real dispatcher.
     void chatLineLayout()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, colour);
-        QFETCH(QString, text);
+        QFETCH(QStringList, fields);
         QFETCH(QStringList, after);
         ChatWindow w;
         w.clock.set(QDateTime(kStart.date(), QTime(21, 34, 56)));
-        w.dispatcher.receive(protocol::buildMessage(Code::ChatLine, {name, colour, text}));
+        w.dispatcher.receive(protocol::buildMessage(Code::ChatLine, fields));
 
         QTextDocument *doc = w.txtChat->document();
-        QCOMPARE(doc->blockCount(), 2); // the box starts with an empty line
-        QCOMPARE(doc->firstBlock().text(), QString());
-        QStringList expected{chatTimeText(QTime(21, 34, 56)) + QStringLiteral("  |#000000")};
-        expected += after;
-        QCOMPARE(runsOf(doc->lastBlock()), expected);
+        QCOMPARE(doc->toPlainText().count(u'\n'), 1);
+        QCOMPARE(runsOf(doc->lastBlock()),
+                 QStringList{chatTimeText(QTime(21, 34, 56)) + "  |#000000"} + after);
         QVERIFY(w.opened.isEmpty());
-    }
 
-    void timeShowsHoursMinutesSecondsWithoutZone()
-    {
-        const QString time = chatTimeText(QTime(21, 34, 56));
-        QVERIFY2(time.contains(QLatin1String("34")) && time.contains(QLatin1String("56")),
-                 qPrintable(time));
-        QVERIFY2(!time.contains(QLatin1String("UTC")) && time == time.trimmed(), qPrintable(time));
-    }
-
-    void statusLines()
-    {
-        ChatWindow w;
-        w.chat.addStatusLine(QStringLiteral("Connected"));
         w.chat.addStatusLine(QStringLiteral("Diconnected"));
-        QTextDocument *doc = w.txtChat->document();
-        QCOMPARE(doc->blockCount(), 3);
         QCOMPARE(runsOf(doc->lastBlock()).mid(1),
                  (QStringList{"QUORVEL|#000000[b]", "  >   Diconnected |#000000"}));
-        QVERIFY(doc->toPlainText().startsWith(u'\n'));
-        QVERIFY(!doc->toPlainText().endsWith(u'\n'));
     }
 
     void wordRule_data()
@@ -208,14 +166,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("word");
         QTest::addColumn<bool>("opens");
 
-        const QString line = QStringLiteral("\u2029"
-                                            "12:00:00  Bob  >   go to www.a.com now ");
+        const QString line = "\u2029" + QStringLiteral("12:00:00  Bob  >   go to www.a.com now ");
         const int www = int(line.indexOf(QLatin1String("www")));
         QTest::newRow("inside an address") << line << www + 4 << "www.a.com" << true;
         QTest::newRow("on the space before it") << line << www - 1 << "www.a.com" << true;
-        QTest::newRow("on its last letter") << line << www + 8 << "www.a.com" << true;
         QTest::newRow("plain word") << line << www - 3 << "to" << false;
-        QTest::newRow("sender name") << line << int(line.indexOf(u'B')) << "Bob" << false;
         QTest::newRow("markers are case-sensitive")
             << "x HTTP://A.COM y" << 4 << "HTTP://A.COM" << false;
         QTest::newRow("Www is no marker") << "x Www.a.com y" << 4 << "Www.a.com" << false;
@@ -225,25 +180,14 @@ private Q_SLOTS:
             << "x (http://a.com) y" << 5 << "(http://a.com)" << true;
         QTest::newRow("ftp") << "x ftp://f.org y" << 3 << "ftp://f.org" << true;
         QTest::newRow("https") << "x https://s.org y" << 3 << "https://s.org" << true;
-        QTest::newRow("line breaks do not end a word") << QStringLiteral("x www.a.com\u2029"
-                                                                         "12:00 y")
-                                                       << 3
-                                                       << QStringLiteral("www.a.com\u2029"
-                                                                         "12:00")
-                                                       << true;
-        QTest::newRow("the next line's time is not the address")
-            << QStringLiteral("x www.a.com \u2029"
-                              "12:00:00  y")
-            << 14
-            << QStringLiteral("\u2029"
-                              "12:00:00")
-            << false;
+        QTest::newRow("line breaks do not end a word")
+            << "x www.a.com\u2029" + QStringLiteral("12:00 y") << 3
+            << "www.a.com\u2029" + QStringLiteral("12:00") << true;
         QTest::newRow("no space before: the first characters up to the start")
             << "www.a.com" << 2 << "www" << false;
         QTest::newRow("past the end: the text's first word")
             << "http://a.com b" << 14 << "http://a.com" << true;
     }
-
     void wordRule()
     {
         QFETCH(QString, text);
@@ -254,70 +198,44 @@ private Q_SLOTS:
         QCOMPARE(isOpenableWord(word), opens);
     }
 
-    // The user puts the caret on a word far down a long chat.
+    // The user puts the caret on an address far down a long chat and drags a selection over
+    // it: it opens once; a plain word next to it opens nothing.
     void opensAddressPastOffset40000()
     {
         ChatWindow w;
-        while (rawText(*w.txtChat).size() < 40000)
-            w.chat.addChatLine(QStringLiteral("Bob"), QStringLiteral("0"),
-                               QStringLiteral("filler text of a long evening"));
-        w.chat.addChatLine(QStringLiteral("Ann"), QStringLiteral("255"),
-                           QStringLiteral("look at http://example.com/page now"));
+        while (w.txtChat->document()->toRawText().size() < 40000)
+            w.chat.addChatLine("Bob", "0", "filler text of a long evening");
+        w.chat.addChatLine("Ann", "255", "look at http://example.com/page now");
         QVERIFY(w.opened.isEmpty());
 
-        const int at = int(rawText(*w.txtChat).indexOf(QLatin1String("example")));
-        QVERIFY(at > 40000);
-        QTextCursor cursor(w.txtChat->document());
-        cursor.setPosition(at);
-        w.txtChat->setTextCursor(cursor);
-        QCOMPARE(w.opened, QStringList{QStringLiteral("http://example.com/page")});
-
-        cursor.setPosition(at - 10); // on "at"
-        w.txtChat->setTextCursor(cursor);
+        w.caretAt("example");
+        QVERIFY(w.txtChat->textCursor().position() > 40000);
+        for (int end = 1; end < 20; ++end)
+            w.caretAt("example", end, QTextCursor::KeepAnchor);
+        QCOMPARE(w.opened, QStringList{"http://example.com/page"});
+        w.caretAt("at http");
         QCOMPARE(w.opened.size(), 1);
     }
 
+    // A click looks at the word under it; each arrow key move looks again.
     void clickAndArrowKeysOpen()
     {
         ChatWindow w;
-        w.chat.addChatLine(QStringLiteral("Bob"), QStringLiteral("0"),
-                           QStringLiteral("try www.example.org please"));
+        w.chat.addChatLine("Bob", "0", "try www.example.org please");
         w.window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-
-        const int at = int(rawText(*w.txtChat).indexOf(QLatin1String("example")));
         QTextCursor cursor(w.txtChat->document());
-        cursor.setPosition(at);
+        cursor.setPosition(int(w.txtChat->document()->toRawText().indexOf("example")));
         const QPoint point = w.txtChat->cursorRect(cursor).center() + QPoint(2, 0);
         QTest::mouseClick(w.txtChat->viewport(), Qt::LeftButton, {}, point);
-        QCOMPARE(w.opened, QStringList{QStringLiteral("www.example.org")});
-
-        // Arrow keys move the caret within the word: each move looks again.
+        QCOMPARE(w.opened, QStringList{"www.example.org"});
         w.txtChat->setFocus();
         QTest::keyClick(w.txtChat, Qt::Key_Right);
         QCOMPARE(w.opened.size(), 2);
-        // Off the address onto "please": nothing more.
-        const int please = int(rawText(*w.txtChat).indexOf(QLatin1String("please")));
-        cursor.setPosition(please + 1);
-        w.txtChat->setTextCursor(cursor);
-        QCOMPARE(w.opened.size(), 2);
     }
 
-    void draggingASelectionOpensOnce()
-    {
-        ChatWindow w;
-        w.chat.addChatLine(QStringLiteral("Bob"), QStringLiteral("0"),
-                           QStringLiteral("www.example.org and more"));
-        const int at = int(rawText(*w.txtChat).indexOf(QLatin1String("www")));
-        QTextCursor cursor(w.txtChat->document());
-        cursor.setPosition(at);
-        for (int end = at + 1; end < at + 20; ++end) {
-            cursor.setPosition(end, QTextCursor::KeepAnchor);
-            w.txtChat->setTextCursor(cursor);
-        }
-        QCOMPARE(w.opened, QStringList{QStringLiteral("www.example.org")});
-    }
-
+    // The user scrolls up and selects text, then a line arrives: nothing opens, the selection
+    // goes and the newest line shows.
     void addingLinesOpensNothingAndShowsTheNewest()
     {
         ChatWindow w;
@@ -325,17 +243,13 @@ private Q_SLOTS:
         w.window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w.window));
         for (int i = 0; i < 30; ++i)
-            w.chat.addChatLine(QStringLiteral("www.name.com"), QStringLiteral("0"),
-                               QStringLiteral("http://a.com www.b.com"));
+            w.chat.addChatLine("www.name.com", "0", "http://a.com www.b.com");
         QVERIFY(w.opened.isEmpty());
 
-        // The user scrolls up and selects text, then a line arrives.
         QScrollBar *bar = w.txtChat->verticalScrollBar();
         bar->setValue(0);
-        QTextCursor cursor(w.txtChat->document());
-        cursor.setPosition(5);
-        cursor.setPosition(9, QTextCursor::KeepAnchor);
-        w.txtChat->setTextCursor(cursor);
+        w.caretAt("name", 0);
+        w.caretAt("name", 4, QTextCursor::KeepAnchor);
         const int openedBefore = int(w.opened.size());
         w.dispatcher.receive(
             protocol::buildMessage(Code::ChatLine, {"Bob", "0", "last www.c.com"}));
@@ -345,6 +259,7 @@ private Q_SLOTS:
         QCOMPARE(bar->value(), bar->maximum());
     }
 
+    // Whole seconds count: the send passes when more than three have gone by.
     void guard_data()
     {
         QTest::addColumn<QTime>("last");
@@ -352,14 +267,12 @@ private Q_SLOTS:
         QTest::addColumn<bool>("passes");
         QTest::newRow("4 s") << QTime(12, 0, 0) << QTime(12, 0, 4) << true;
         QTest::newRow("3 s") << QTime(12, 0, 0) << QTime(12, 0, 3) << false;
-        QTest::newRow("same second") << QTime(12, 0, 0) << QTime(12, 0, 0, 999) << false;
         QTest::newRow("3.2 s across 4 whole seconds")
             << QTime(12, 0, 0, 900) << QTime(12, 0, 4, 100) << true;
         QTest::newRow("3.8 s within 3 whole seconds")
             << QTime(12, 0, 0, 100) << QTime(12, 0, 3, 900) << false;
         QTest::newRow("clock went back") << QTime(12, 0, 30) << QTime(12, 0, 0) << false;
     }
-
     void guard()
     {
         QFETCH(QTime, last);
@@ -370,106 +283,80 @@ private Q_SLOTS:
         session.textSendTime = QDateTime(kStart.date(), last);
         SendRateGuard guard(session, clock);
         QCOMPARE(guard.tryPass(), passes);
-        if (passes) {
-            QCOMPARE(session.textSendTime, QDateTime(kStart.date(), now).addMSecs(-now.msec()));
-            QVERIFY(!guard.tryPass()); // and it starts again from now
-        } else {
-            QCOMPARE(session.textSendTime, QDateTime(kStart.date(), last));
-        }
+        QCOMPARE(session.textSendTime, passes ? QDateTime(kStart.date(), now).addMSecs(-now.msec())
+                                              : QDateTime(kStart.date(), last));
+        QVERIFY(!guard.tryPass()); // a pass starts the three seconds again
     }
 
-    void sendsThroughTheGuard()
+    // The pager and the chat share one guard; Enter, Return and the send button all send,
+    // and Enter never reaches the window.
+    void sendsThroughTheSharedGuard()
     {
         ChatWindow w;
-        LoopbackLobby lobby;
-        QVERIFY(lobby.accept(w.connection));
-
-        w.type(QStringLiteral("hello"));
-        QTest::keyClick(w.txtChatSend, Qt::Key_Return);
-        QCOMPARE(lobby.receivedThrough("MDhello\x0F"), QByteArray("MDhello\x0F"));
-        QCOMPARE(w.txtChatSend->text(), QString());
-        QCOMPARE(w.session.textSendTime, w.clock.now());
-
-        w.clock.advanceSeconds(3);
-        w.txtChatSend->setText(QStringLiteral("again"));
-        QTest::keyClick(w.txtChatSend, Qt::Key_Enter);
-        QCOMPARE(w.txtChatSend->text(), QStringLiteral("again")); // kept for a later try
-
-        w.clock.advanceSeconds(1);
-        QTest::mouseClick(w.picture3, Qt::LeftButton);
-        QCOMPARE(lobby.receivedThrough("MDagain\x0F"), QByteArray("MDagain\x0F"));
-        QCOMPARE(w.window.keys, 0); // Enter never reached the window
-    }
-
-    void pagerSendBlocksChat()
-    {
-        ChatWindow w;
-        LoopbackLobby lobby;
-        QVERIFY(lobby.accept(w.connection));
+        ScriptedServer server;
+        QVERIFY(w.connectTo(server));
         SendRateGuard pager(w.session, w.clock);
         QVERIFY(pager.tryPass());
 
-        w.type(QStringLiteral("too soon"));
-        w.chat.input().send();
-        QCOMPARE(w.txtChatSend->text(), QStringLiteral("too soon"));
-        w.clock.advanceSeconds(4);
-        w.chat.input().send();
-        QCOMPARE(lobby.receivedThrough("MDtoo soon\x0F"), QByteArray("MDtoo soon\x0F"));
-        QVERIFY(!pager.tryPass()); // and the chat send holds the pager back in turn
-    }
-
-    void trimming_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QByteArray>("sent"); // empty: nothing goes and the box keeps its text
-        QTest::newRow("outer spaces go, inner stay")
-            << "  two  words  " << QByteArray("MDtwo  words\x0F");
-        QTest::newRow("spaces only") << "    " << QByteArray();
-        QTest::newRow("empty") << "" << QByteArray();
-        QTest::newRow("tabs are not spaces") << "\tx\t" << QByteArray("MD\tx\t\x0F");
-    }
-
-    void trimming()
-    {
-        QFETCH(QString, typed);
-        QFETCH(QByteArray, sent);
-        ChatWindow w;
-        LoopbackLobby lobby;
-        QVERIFY(lobby.accept(w.connection));
-        w.type(typed);
-        w.chat.input().send();
-        w.connection.sendLobbyMessage(Code::KeepAlive); // marks the end of what was sent
-        const QByteArray end = protocol::buildMessage(Code::KeepAlive);
-        QCOMPARE(lobby.receivedThrough(end), sent + end);
-        if (sent.isEmpty()) {
-            QCOMPARE(w.txtChatSend->text(), typed);
-            QCOMPARE(w.session.textSendTime, kStart);
-        } else {
-            QCOMPARE(w.txtChatSend->text(), QString());
-        }
-    }
-
-    void sendWhileDisconnectedIsLost()
-    {
-        ChatWindow w;
-        LoopbackLobby lobby;
-        QVERIFY(lobby.accept(w.connection));
-        w.connection.close();
-        w.type(QStringLiteral("into the void"));
+        w.type(QStringLiteral("hello"));
         QTest::keyClick(w.txtChatSend, Qt::Key_Return);
+        QCOMPARE(w.txtChatSend->text(), QStringLiteral("hello")); // kept for a later try
+        w.clock.advanceSeconds(4);
+        QTest::keyClick(w.txtChatSend, Qt::Key_Enter);
+        QVERIFY(server.expect("MDhello\x0F"));
         QCOMPARE(w.txtChatSend->text(), QString());
         QCOMPARE(w.session.textSendTime, w.clock.now());
+        QVERIFY(!pager.tryPass());
+
+        w.clock.advanceSeconds(4);
+        w.txtChatSend->setText(QStringLiteral("again"));
+        QTest::mouseClick(w.picture3, Qt::LeftButton);
+        QVERIFY(server.expect("MDagain\x0F"));
+        QCOMPARE(w.window.keys, 0);
+    }
+
+    // What goes out is trimmed of spaces; nothing goes for blanks, which stay in the box.
+    // While disconnected the line is lost as if it went.
+    void trimming_data()
+    {
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QByteArray>("sent");
+        QTest::addColumn<bool>("went");
+        QTest::newRow("outer spaces go, inner stay")
+            << true << "  two  words  " << QByteArray("MDtwo  words\x0F") << true;
+        QTest::newRow("spaces only") << true << "    " << QByteArray() << false;
+        QTest::newRow("tabs are not spaces")
+            << true << "\tx\t" << QByteArray("MD\tx\t\x0F") << true;
+        QTest::newRow("disconnected") << false << "into the void" << QByteArray() << true;
+    }
+    void trimming()
+    {
+        QFETCH(bool, connected);
+        QFETCH(QString, typed);
+        QFETCH(QByteArray, sent);
+        QFETCH(bool, went);
+        ChatWindow w;
+        ScriptedServer server;
+        QVERIFY(w.connectTo(server));
+        if (!connected)
+            w.connection.close();
+        w.type(typed);
+        QTest::keyClick(w.txtChatSend, Qt::Key_Return);
+        QCOMPARE(w.txtChatSend->text(), went ? QString() : typed);
+        QCOMPARE(w.session.textSendTime, went ? w.clock.now() : kStart);
+        w.connection.sendLobbyMessage(Code::KeepAlive); // marks the end of what was sent
+        const QByteArray end = connected ? protocol::buildMessage(Code::KeepAlive) : QByteArray();
         QTest::qWait(50);
-        QCOMPARE(lobby.received(), QByteArray());
+        QVERIFY(server.expect(sent + end));
+        QCOMPARE(server.received(), QByteArray());
     }
 
     void hintGoesOnFirstFocusOnly()
     {
         ChatWindow w;
-        QCOMPARE(w.txtChatSend->text(), QStringLiteral("Type message here and press ENTER"));
-        QCOMPARE(w.txtChatSend->toolTip(), QStringLiteral("Enter message and press ENTER"));
+        QCOMPARE(w.txtChatSend->text(), ChatInput::hintText());
         QVERIFY(!w.picture3->isEnabled());
-
         w.window.show();
         QVERIFY(QTest::qWaitForWindowActive(&w.window));
         w.txtChatSend->setFocus();
