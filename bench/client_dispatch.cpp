@@ -10,6 +10,8 @@
 #include <QRandomGenerator>
 #include <benchmark/benchmark.h>
 
+using namespace client;
+
 using protocol::Code;
 
 namespace {

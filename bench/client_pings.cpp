@@ -4,8 +4,8 @@
 
 #include "client/game/gameinfo.h"
 #include "client/game/gameserverquery.h"
-#include "client/game/tickcount.h"
 #include "client/rooms/roomlistmodel.h"
+#include "client/session/tickcount.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -14,6 +14,8 @@
 #include <benchmark/benchmark.h>
 #include <memory>
 #include <vector>
+
+using namespace client;
 
 namespace {
 

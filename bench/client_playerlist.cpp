@@ -16,6 +16,8 @@
 #include <benchmark/benchmark.h>
 #include <memory>
 
+using namespace client;
+
 using protocol::Code;
 
 namespace {

@@ -1,17 +1,19 @@
 // quorvel: the desktop lobby client.
 #include "client/app/clientapplication.h"
-#include "client/app/clock.h"
-#include "client/app/lobbyaddress.h"
-#include "client/game/tickcount.h"
 #include "client/platform/datafolder.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/registrylinux.h"
 #include "client/platform/soundplayer.h"
 #include "client/platform/trayservice.h"
+#include "client/session/clock.h"
+#include "client/session/lobbyaddress.h"
+#include "client/session/tickcount.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <cstdio>
+
+using namespace client;
 
 int main(int argc, char *argv[])
 {

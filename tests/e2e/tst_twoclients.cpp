@@ -2,17 +2,17 @@
 // the lobby, chat, and one hides to the tray.
 // ctest: timeout=120
 #include "client/app/clientapplication.h"
-#include "client/app/clock.h"
-#include "client/app/fakes.h"
 #include "client/app/form1.h"
-#include "client/app/sessionstate.h"
 #include "client/app/traycontroller.h"
-#include "client/game/tickcount.h"
 #include "client/lobby/credentialsfile.h"
 #include "client/platform/registrylinux.h"
 #include "client/presence/chatinput.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/playerlistmodel.h"
+#include "client/session/clock.h"
+#include "client/session/sessionstate.h"
+#include "client/session/tickcount.h"
+#include "support/clientfakes.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,6 +21,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
+
+using namespace client;
 
 namespace {
 

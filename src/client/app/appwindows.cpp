@@ -1,9 +1,11 @@
 #include "client/app/appwindows.h"
 
-#include "client/app/options/frmoptions.h"
-#include "client/app/plainwindow.h"
 #include "client/game/frmgameinfo.h"
 #include "client/lobby/frmlogin.h"
+#include "client/options/frmoptions.h"
+#include "client/ui/plainwindow.h"
+
+namespace client {
 
 AppWindows::AppWindows(Factories factories, QObject *parent)
     : QObject(parent), m_logIn(std::move(factories.logIn)), m_options(std::move(factories.options)),
@@ -12,6 +14,8 @@ AppWindows::AppWindows(Factories factories, QObject *parent)
       m_gameInfo(std::move(factories.gameInfo))
 {
 }
+
+AppWindows::~AppWindows() = default;
 
 FrmLogIn *AppWindows::frmLogIn()
 {
@@ -72,3 +76,5 @@ void AppWindows::unloadAll()
     unload(m_makeRoom);
     unload(m_gameInfo);
 }
+
+} // namespace client

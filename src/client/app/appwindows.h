@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+namespace client {
+
 class FrmGameInfo;
 class FrmLogIn;
 class FrmOptions;
@@ -29,6 +31,7 @@ public:
     };
 
     explicit AppWindows(Factories factories, QObject *parent = nullptr);
+    ~AppWindows() override;
 
     FrmLogIn *frmLogIn();
     FrmOptions *frmOptions();
@@ -61,3 +64,5 @@ private:
     WindowSlot<PlainWindow> m_makeRoom;
     WindowSlot<FrmGameInfo> m_gameInfo;
 };
+
+} // namespace client

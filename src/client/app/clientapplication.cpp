@@ -1,20 +1,9 @@
 #include "client/app/clientapplication.h"
 
 #include "client/app/appwindows.h"
-#include "client/app/clock.h"
-#include "client/app/eventsounds.h"
 #include "client/app/form1.h"
-#include "client/app/options/autostart.h"
-#include "client/app/options/basregistry.h"
-#include "client/app/options/frmoptions.h"
-#include "client/app/options/options.h"
-#include "client/app/options/optionsstore.h"
-#include "client/app/picturebutton.h"
-#include "client/app/plainwindow.h"
 #include "client/app/sessionlooks.h"
-#include "client/app/sessionstate.h"
 #include "client/app/traycontroller.h"
-#include "client/game/defaultgamefolders.h"
 #include "client/game/frmgameinfo.h"
 #include "client/game/gameinfo.h"
 #include "client/game/gameserverquery.h"
@@ -23,6 +12,12 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
+#include "client/options/autostart.h"
+#include "client/options/basregistry.h"
+#include "client/options/defaultgamefolders.h"
+#include "client/options/frmoptions.h"
+#include "client/options/options.h"
+#include "client/options/optionsstore.h"
 #include "client/platform/datafolder.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/trayservice.h"
@@ -34,6 +29,11 @@
 #include "client/rooms/roomlisthandlers.h"
 #include "client/rooms/roomlistmodel.h"
 #include "client/rooms/roomlistview.h"
+#include "client/session/clock.h"
+#include "client/session/eventsounds.h"
+#include "client/session/sessionstate.h"
+#include "client/ui/picturebutton.h"
+#include "client/ui/plainwindow.h"
 
 #include <QDir>
 #include <QLabel>
@@ -41,6 +41,8 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QTreeView>
+
+namespace client {
 
 ClientApplication::ClientApplication(Services services, ServerAddresses servers, QObject *parent)
     : QObject(parent), m_services(std::move(services)), m_servers(std::move(servers)),
@@ -235,3 +237,5 @@ void ClientApplication::shutDown()
     m_connection->close();
     Q_EMIT shutDownFinished();
 }
+
+} // namespace client

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "client/app/lobbyaddress.h"
+#include "client/session/lobbyaddress.h"
 
 #include <QObject>
 #include <memory>
+
+namespace client {
 
 class AppWindows;
 class AutoStart;
@@ -112,3 +114,5 @@ private:
     GameServerQuery *m_gameQuery = nullptr;
     bool m_optionsLoaded = false;
 };
+
+} // namespace client

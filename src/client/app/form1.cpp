@@ -1,9 +1,9 @@
 #include "client/app/form1.h"
 
-#include "client/app/draghandle.h"
-#include "client/app/icons.h"
-#include "client/app/picturebutton.h"
 #include "client/app/splitterbar.h"
+#include "client/ui/draghandle.h"
+#include "client/ui/icons.h"
+#include "client/ui/picturebutton.h"
 
 #include <QCloseEvent>
 #include <QHeaderView>
@@ -13,6 +13,8 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QTreeView>
+
+namespace client {
 
 namespace {
 constexpr int kListTop = 76;
@@ -159,3 +161,5 @@ void Form1::paintEvent(QPaintEvent *)
     painter.setPen(window.darker(160));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
+
+} // namespace client

@@ -2,13 +2,16 @@
 
 #include <QWidget>
 
-class PictureButton;
-class SplitterBar;
 class QLabel;
 class QLineEdit;
 class QTextBrowser;
 class QTimer;
 class QTreeView;
+
+namespace client {
+
+class PictureButton;
+class SplitterBar;
 
 // The main window: a borderless 800 x 600 window holding the room list, the player list, the
 // lobby chat and the tool buttons. It only lays out and shows its controls; the parts that
@@ -63,3 +66,5 @@ private:
                               const QRect &geometry);
     QTimer *makeTimer(const char *name, int intervalMs);
 };
+
+} // namespace client

@@ -1,10 +1,12 @@
 #include "client/app/sessionlooks.h"
 
 #include "client/app/form1.h"
-#include "client/app/icons.h"
-#include "client/app/picturebutton.h"
-#include "client/app/sessionstate.h"
 #include "client/platform/trayservice.h"
+#include "client/session/sessionstate.h"
+#include "client/ui/icons.h"
+#include "client/ui/picturebutton.h"
+
+namespace client {
 
 SessionLooks::SessionLooks(Form1 &form, TrayService &tray, SessionState &session, QObject *parent)
     : QObject(parent), m_form(form), m_tray(tray)
@@ -27,3 +29,5 @@ void SessionLooks::apply(bool online)
     m_form.setWindowIcon(Icons::smallIcon(online ? Icons::WindowOnline : Icons::WindowOffline));
     m_tray.modify(m_form.windowIcon(), trayTip(online));
 }
+
+} // namespace client

@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+namespace client {
+
 class Form1;
 class SessionState;
 class TrayService;
@@ -24,3 +26,5 @@ private:
     Form1 &m_form;
     TrayService &m_tray;
 };
+
+} // namespace client

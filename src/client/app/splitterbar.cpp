@@ -3,6 +3,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+namespace client {
+
 SplitterBar::SplitterBar(QWidget *parent) : QWidget(parent)
 {
     setCursor(Qt::SplitVCursor);
@@ -66,3 +68,5 @@ void SplitterBar::paintEvent(QPaintEvent *)
     for (int dx = -12; dx <= 12; dx += 6)
         painter.drawPoint(mid + dx, height() / 2);
 }
+
+} // namespace client

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace client {
+
 // The bar `Picture1` between the room list above and the lobby chat below. It moves only
 // vertically, its top kept between 80 and 548 pixels of the window, by dragging or by
 // double-clicking, which steps through three stops by its tag: "1" -> 80 (tag "2"),
@@ -41,3 +43,5 @@ private:
     QString m_tag = QStringLiteral("2");
     bool m_dragging = false;
 };
+
+} // namespace client

@@ -2,9 +2,11 @@
 
 #include "client/app/form1.h"
 #include "client/app/sessionlooks.h"
-#include "client/app/sessionstate.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/platform/trayservice.h"
+#include "client/session/sessionstate.h"
+
+namespace client {
 
 TrayController::TrayController(TrayService &tray, Form1 &form, SessionState &session,
                                LobbyConnection &connection, Hooks hooks, QObject *parent)
@@ -45,3 +47,5 @@ void TrayController::hideToTray()
     else
         m_form.showMinimized();
 }
+
+} // namespace client

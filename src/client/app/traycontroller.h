@@ -3,6 +3,8 @@
 #include <QObject>
 #include <functional>
 
+namespace client {
+
 class Form1;
 class LobbyConnection;
 class SessionState;
@@ -42,3 +44,5 @@ private:
     LobbyConnection &m_connection;
     Hooks m_hooks;
 };
+
+} // namespace client

@@ -4,6 +4,8 @@
 #include <QWidget>
 #include <functional>
 
+namespace client {
+
 // One window of the program that exists at most once: created by its factory the first time
 // it is touched (its constructor is its load step), destroyed when unloaded, and created
 // afresh, load step and all, at the next touch.
@@ -44,3 +46,5 @@ private:
     Factory m_factory;
     QPointer<Window> m_window;
 };
+
+} // namespace client

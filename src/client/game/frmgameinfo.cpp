@@ -1,15 +1,17 @@
 #include "client/game/frmgameinfo.h"
 
-#include "client/app/draghandle.h"
-#include "client/app/icons.h"
-#include "client/app/picturebutton.h"
-#include "client/app/windowframe.h"
 #include "client/game/gameinfo.h"
+#include "client/ui/draghandle.h"
+#include "client/ui/icons.h"
+#include "client/ui/picturebutton.h"
+#include "client/ui/windowframe.h"
 
 #include <QHeaderView>
 #include <QLabel>
 #include <QStandardItemModel>
 #include <QTreeView>
+
+namespace client {
 
 FrmGameInfo::FrmGameInfo(const GameInfo &info, QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint), m_info(info)
@@ -83,3 +85,5 @@ void FrmGameInfo::paintEvent(QPaintEvent *)
 {
     paintWindowFrame(*this);
 }
+
+} // namespace client

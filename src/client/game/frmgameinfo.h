@@ -2,10 +2,13 @@
 
 #include <QWidget>
 
-class GameInfo;
-class PictureButton;
 class QLabel;
 class QTreeView;
+
+namespace client {
+
+class GameInfo;
+class PictureButton;
 
 // The game-info window: the details and players of the game server queried last. A
 // borderless window, dragged by its background and its title `Label2`; it only shows what
@@ -39,3 +42,5 @@ private:
 
     const GameInfo &m_info;
 };
+
+} // namespace client

@@ -2,6 +2,8 @@
 
 #include <QStandardItemModel>
 
+namespace client {
+
 namespace {
 
 constexpr qsizetype kLabelWidth = 35;
@@ -67,3 +69,5 @@ GameInfoLabels GameInfo::labels() const
     }
     return labels;
 }
+
+} // namespace client

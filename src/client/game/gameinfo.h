@@ -6,6 +6,8 @@
 
 class QStandardItemModel;
 
+namespace client {
+
 // The seven lines that describe a game server, ready to show.
 struct GameInfoLabels
 {
@@ -49,3 +51,5 @@ private:
     StatusTable m_table;
     QStandardItemModel *m_players;
 };
+
+} // namespace client

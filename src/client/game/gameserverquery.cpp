@@ -1,12 +1,14 @@
 #include "client/game/gameserverquery.h"
 
 #include "client/game/gameinfo.h"
-#include "client/game/tickcount.h"
 #include "client/rooms/roomlistmodel.h"
+#include "client/session/tickcount.h"
 #include "protocol/cp1252.h"
 
 #include <QNetworkDatagram>
 #include <QUdpSocket>
+
+namespace client {
 
 namespace {
 
@@ -150,3 +152,5 @@ void GameServerQuery::fillRow(const QString &sender, qint64 ping)
     if (map.size() >= 2)
         write(RoomListModel::Map, withoutEnds(map));
 }
+
+} // namespace client

@@ -7,8 +7,11 @@
 #include <array>
 #include <optional>
 
-class GameInfo;
 class QUdpSocket;
+
+namespace client {
+
+class GameInfo;
 class RoomListModel;
 class TickCount;
 
@@ -67,3 +70,5 @@ private:
     quint16 m_nextPingSlot = 0;
     std::array<Slot, kPingSlots + 1> m_slots;
 };
+
+} // namespace client

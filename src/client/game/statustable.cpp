@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+namespace client {
+
 namespace {
 
 constexpr std::array<const char16_t *, StatusTable::kRows> kKeyNames = {
@@ -143,3 +145,5 @@ double leadingNumber(const QString &text)
     const double value = match.captured(0).trimmed().toDouble();
     return std::isfinite(value) ? value : 0;
 }
+
+} // namespace client

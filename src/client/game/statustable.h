@@ -4,6 +4,8 @@
 #include <QString>
 #include <array>
 
+namespace client {
+
 // What a game server said in its last status replies. The reply is backslash-separated keys
 // and values; the nineteen known keys are read in their fixed order, and a key that a reply
 // lacks (or whose successor it lacks) keeps the value of an earlier reply. Values keep the
@@ -78,3 +80,5 @@ QString withoutEnds(const QString &text);
 // The leading number of a text, as the games' own tools read numbers: "2.5x" is 2.5, a text
 // that does not begin with a number is 0.
 double leadingNumber(const QString &text);
+
+} // namespace client

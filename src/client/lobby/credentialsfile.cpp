@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+namespace client {
+
 namespace CredentialsFile {
 
 Credentials read(const QString &path)
@@ -38,3 +40,5 @@ bool write(const QString &path, const Credentials &credentials)
 }
 
 } // namespace CredentialsFile
+
+} // namespace client

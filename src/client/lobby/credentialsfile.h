@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace client {
+
 // user.txt in the data folder: the saved user name and password, two lines in code page
 // 1252, each ended by CR LF, in plain text (the server needs the password as typed).
 struct Credentials
@@ -20,3 +22,5 @@ Credentials read(const QString &path);
 bool write(const QString &path, const Credentials &credentials);
 
 } // namespace CredentialsFile
+
+} // namespace client

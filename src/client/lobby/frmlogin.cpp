@@ -1,12 +1,14 @@
 #include "client/lobby/frmlogin.h"
 
-#include "client/app/draghandle.h"
-#include "client/app/icons.h"
-#include "client/app/picturebutton.h"
-#include "client/app/windowframe.h"
+#include "client/ui/draghandle.h"
+#include "client/ui/icons.h"
+#include "client/ui/picturebutton.h"
+#include "client/ui/windowframe.h"
 
 #include <QLabel>
 #include <QLineEdit>
+
+namespace client {
 
 FrmLogIn::FrmLogIn(QString credentialsPath, QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint),
@@ -82,3 +84,5 @@ void FrmLogIn::paintEvent(QPaintEvent *)
 {
     paintWindowFrame(*this);
 }
+
+} // namespace client

@@ -4,9 +4,12 @@
 
 #include <QWidget>
 
-class PictureButton;
 class QLabel;
 class QLineEdit;
+
+namespace client {
+
+class PictureButton;
 
 // The login dialog: user name and password, a Login button and a close button. Creating it
 // fills both boxes from user.txt; Login saves them to user.txt and asks to log in.
@@ -42,3 +45,5 @@ protected:
 private:
     QString m_credentialsPath;
 };
+
+} // namespace client

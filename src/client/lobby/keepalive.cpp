@@ -1,9 +1,11 @@
 #include "client/lobby/keepalive.h"
 
-#include "client/app/sessionstate.h"
 #include "client/lobby/lobbyconnection.h"
+#include "client/session/sessionstate.h"
 
 #include <QTimer>
+
+namespace client {
 
 KeepAlive::KeepAlive(QTimer &timer1, SessionState &session, LobbyConnection &connection,
                      QObject *parent)
@@ -20,3 +22,5 @@ void KeepAlive::tick()
         m_connection.sendLobbyMessage(protocol::Code::KeepAlive);
     }
 }
+
+} // namespace client

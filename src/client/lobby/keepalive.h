@@ -2,8 +2,11 @@
 
 #include <QObject>
 
-class LobbyConnection;
 class QTimer;
+
+namespace client {
+
+class LobbyConnection;
 class SessionState;
 
 // The lobby keep-alive: every third tick of the 10-second detection timer `Timer1` (every
@@ -24,3 +27,5 @@ private:
     SessionState &m_session;
     LobbyConnection &m_connection;
 };
+
+} // namespace client

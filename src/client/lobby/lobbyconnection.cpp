@@ -5,6 +5,8 @@
 
 #include <QTcpSocket>
 
+namespace client {
+
 LobbyConnection::LobbyConnection(LobbyDispatcher &dispatcher, QObject *parent)
     : QObject(parent), m_dispatcher(dispatcher), m_socket(new QTcpSocket(this))
 {
@@ -70,3 +72,5 @@ void LobbyConnection::onDisconnected()
     m_open = false;
     Q_EMIT dropped();
 }
+
+} // namespace client

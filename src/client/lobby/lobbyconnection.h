@@ -7,6 +7,9 @@
 #include <QStringList>
 
 class QTcpSocket;
+
+namespace client {
+
 class LobbyDispatcher;
 
 // The lobby connection `tcpClient`: one TCP socket to the lobby server. Arriving bytes go to
@@ -49,3 +52,5 @@ private:
     QTcpSocket *m_socket;
     bool m_open = false; // connected and not yet closed or dropped
 };
+
+} // namespace client

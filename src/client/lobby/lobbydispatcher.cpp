@@ -1,5 +1,7 @@
 #include "client/lobby/lobbydispatcher.h"
 
+namespace client {
+
 using protocol::Code;
 
 LobbyDispatcher::LobbyDispatcher(QObject *parent) : QObject(parent) {}
@@ -49,3 +51,5 @@ void LobbyDispatcher::dispatchPending()
     }
     m_dispatching = false;
 }
+
+} // namespace client

@@ -7,6 +7,8 @@
 #include <array>
 #include <functional>
 
+namespace client {
+
 // The receive side of the lobby connection (`receiveBuffer` and its dispatch loop): bytes are
 // appended as they arrive, every complete message in them is handed to the handler of its code,
 // in arrival order, within the same call.
@@ -52,3 +54,5 @@ private:
     bool m_dispatching = false;
     bool m_halted = false;
 };
+
+} // namespace client

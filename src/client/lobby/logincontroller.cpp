@@ -1,12 +1,14 @@
 #include "client/lobby/logincontroller.h"
 
-#include "client/app/eventsounds.h"
-#include "client/app/sessionstate.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/session/eventsounds.h"
+#include "client/session/sessionstate.h"
 
 #include <QCoreApplication>
 #include <QTimer>
+
+namespace client {
 
 using protocol::Code;
 
@@ -119,3 +121,5 @@ void LoginController::reconnect()
     m_hooks.emptyRoomList();
     connectToLobby();
 }
+
+} // namespace client

@@ -5,11 +5,14 @@
 #include <QObject>
 #include <functional>
 
+class QTimer;
+
+namespace client {
+
 class EventSounds;
 class LobbyConnection;
 class LobbyDispatcher;
 class SessionState;
-class QTimer;
 
 // Opens the lobby connection, logs in with the saved credentials, logs out, and brings the
 // session back after the server drops it: a drop reconnects every 20 s (`tmrReconnet`) until
@@ -67,3 +70,5 @@ private:
     QTimer &m_timer1;
     Hooks m_hooks;
 };
+
+} // namespace client

@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+namespace client {
+
 QString resolveCaseInsensitive(const QString &folder, const QString &windowsPath)
 {
     QString current = QDir::cleanPath(folder);
@@ -28,3 +30,5 @@ QString resolveCaseInsensitive(const QString &folder, const QString &windowsPath
     }
     return QDir::toNativeSeparators(current);
 }
+
+} // namespace client

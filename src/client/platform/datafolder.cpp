@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QStandardPaths>
 
+namespace client {
+
 namespace DataFolder {
 
 std::optional<QString> path()
@@ -30,3 +32,5 @@ bool ensureExists()
 }
 
 } // namespace DataFolder
+
+} // namespace client

@@ -3,6 +3,8 @@
 #include <QString>
 #include <optional>
 
+namespace client {
+
 // The client's data folder: the user's shared application-data folder + "/Quorvel"
 // (follows XDG_DATA_HOME). It holds user.txt, settingRS.txt and temp.jpg. Computed afresh at
 // every call, as the environment may change between calls.
@@ -21,3 +23,5 @@ QString filePath(const QString &fileName);
 bool ensureExists();
 
 } // namespace DataFolder
+
+} // namespace client

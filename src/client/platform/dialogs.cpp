@@ -5,6 +5,8 @@
 #include <QLineEdit>
 #include <QMessageBox>
 
+namespace client {
+
 Dialogs::Answer QtDialogs::messageBox(const QString &title, const QString &text, Buttons buttons,
                                       Icon icon)
 {
@@ -67,3 +69,5 @@ QString QtDialogs::inputBox(const QString &prompt, const QString &title, const Q
                               masked ? QLineEdit::Password : QLineEdit::Normal, defaultText, &ok);
     return ok ? text : QString();
 }
+
+} // namespace client

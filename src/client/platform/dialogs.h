@@ -4,6 +4,8 @@
 
 class QWidget;
 
+namespace client {
+
 // The dialogs that wait for the user: message boxes, the input box and the file dialog. Every
 // part of the client asks through this seam, so that tests can answer in the user's place.
 class Dialogs
@@ -49,3 +51,5 @@ inline QString applicationTitle()
 {
     return QStringLiteral("QUORVEL");
 }
+
+} // namespace client

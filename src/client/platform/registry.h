@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace client {
+
 // One value of the settings-store registry.
 struct RegistryValue
 {
@@ -37,3 +39,5 @@ public:
     virtual long setValue(Root root, const QString &subKey, const QString &name,
                           const RegistryValue &value) = 0;
 };
+
+} // namespace client

@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+namespace client {
+
 namespace {
 
 // The escapes every string value of a desktop entry may carry.
@@ -153,3 +155,5 @@ bool write(const QString &entryPath, const QString &program)
 }
 
 } // namespace AutostartEntry
+
+} // namespace client

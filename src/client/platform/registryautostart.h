@@ -3,6 +3,8 @@
 #include <QString>
 #include <optional>
 
+namespace client {
+
 // A value of the Windows Run key ("start this program when the user logs on"), kept as an
 // XDG autostart entry, ~/.config/autostart/NAME.desktop, which the desktop session starts at
 // log-in. An entry that is present and enabled holds the program it starts; a disabled one
@@ -23,3 +25,5 @@ QString quoteArgument(const QString &argument);
 QString firstArgument(const QString &execValue);
 
 } // namespace AutostartEntry
+
+} // namespace client

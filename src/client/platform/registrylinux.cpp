@@ -8,6 +8,8 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+namespace client {
+
 namespace {
 
 const QLatin1String kRunKey("Software\\Microsoft\\Windows\\CurrentVersion\\Run");
@@ -141,3 +143,5 @@ long LinuxRegistry::setIni(Root root, const QString &subKey, const QString &name
     ini.sync();
     return ini.status() == QSettings::NoError ? kSuccess : kAccessDenied;
 }
+
+} // namespace client

@@ -2,6 +2,8 @@
 
 #include "client/platform/registry.h"
 
+namespace client {
+
 // The registry on Linux, where no such store exists:
 // - values of the current user's Run key ("Software\Microsoft\Windows\CurrentVersion\Run")
 //   are XDG autostart entries named after the value (`quorvel` -> quorvel.desktop), which the
@@ -39,3 +41,5 @@ private:
 
     Paths m_paths;
 };
+
+} // namespace client

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace client {
+
 namespace {
 
 bool isOctal(QChar c)
@@ -138,3 +140,5 @@ QString wow6432Path(const QString &keyPath)
 }
 
 } // namespace WineRegistry
+
+} // namespace client

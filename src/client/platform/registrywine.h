@@ -6,6 +6,8 @@
 #include <QStringView>
 #include <optional>
 
+namespace client {
+
 // Reading the registry files of a Wine prefix (system.reg for the machine root, user.reg for
 // the user's). Their text holds one section per key, "[Software\\Vendor\\Game] <time>", then
 // one line per value: "name"="text", "name"=dword:0000002a, or another type (str(2):, hex:)
@@ -23,3 +25,5 @@ std::optional<RegistryValue> findValue(QByteArrayView content, QStringView keyPa
 QString wow6432Path(const QString &keyPath);
 
 } // namespace WineRegistry
+
+} // namespace client

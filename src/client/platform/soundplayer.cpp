@@ -4,6 +4,8 @@
 #include <QSoundEffect>
 #include <QUrl>
 
+namespace client {
+
 void EffectSoundPlayer::play(const QString &filePath)
 {
     if (!QFileInfo(filePath).isFile())
@@ -24,3 +26,5 @@ void EffectSoundPlayer::play(const QString &filePath)
     if (effect->status() == QSoundEffect::Ready)
         effect->play();
 }
+
+} // namespace client

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QString>
 
+namespace client {
+
 // Plays a sound file asynchronously; a missing or unreadable file plays nothing (no default
 // sound) and reports nothing.
 class SoundPlayer : public QObject
@@ -23,3 +25,5 @@ public:
     using SoundPlayer::SoundPlayer;
     void play(const QString &filePath) override;
 };
+
+} // namespace client

@@ -2,6 +2,8 @@
 
 #include <QSystemTrayIcon>
 
+namespace client {
+
 SystemTrayService::SystemTrayService(QObject *parent)
     : TrayService(parent), m_icon(new QSystemTrayIcon(this))
 {
@@ -38,3 +40,5 @@ bool SystemTrayService::isShown() const
 {
     return m_icon->isVisible();
 }
+
+} // namespace client

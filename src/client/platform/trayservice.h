@@ -6,6 +6,8 @@
 
 class QSystemTrayIcon;
 
+namespace client {
+
 // The icon in the notification area. Only a double-click on it is acted on.
 class TrayService : public QObject
 {
@@ -43,3 +45,5 @@ public:
 private:
     QSystemTrayIcon *m_icon;
 };
+
+} // namespace client

@@ -1,8 +1,8 @@
 #include "client/presence/chatbox.h"
 
-#include "client/app/clock.h"
 #include "client/presence/chatwords.h"
 #include "client/presence/wirenumber.h"
+#include "client/session/clock.h"
 
 #include <QDesktopServices>
 #include <QScopedValueRollback>
@@ -11,6 +11,8 @@
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QUrl>
+
+namespace client {
 
 namespace {
 
@@ -105,3 +107,5 @@ void ChatBox::onSelectionMoved()
     if (isOpenableWord(word) && m_openLink)
         m_openLink(word);
 }
+
+} // namespace client

@@ -4,8 +4,11 @@
 #include <QPointer>
 #include <functional>
 
-class Clock;
 class QTextBrowser;
+
+namespace client {
+
+class Clock;
 
 // The lobby chat box `txtChat`: a read-only rich-text view that only grows, one line per
 // `addChatLine`. Every line is: a line break, the time of day and two spaces; the sender's name
@@ -39,3 +42,5 @@ private:
     bool m_appending = false;
     int m_lastCheckedStart = -1; // dragging a selection does not open the same word again
 };
+
+} // namespace client

@@ -1,11 +1,13 @@
 #include "client/presence/chatinput.h"
 
-#include "client/app/blanks.h"
 #include "client/lobby/lobbyconnection.h"
+#include "client/session/blanks.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
 #include <QLineEdit>
+
+namespace client {
 
 QString ChatInput::hintText()
 {
@@ -56,3 +58,5 @@ bool ChatInput::eventFilter(QObject *watched, QEvent *event)
     }
     return false;
 }
+
+} // namespace client

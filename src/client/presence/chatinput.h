@@ -5,9 +5,12 @@
 #include <QObject>
 #include <QPointer>
 
-class LobbyConnection;
 class QAbstractButton;
 class QLineEdit;
+
+namespace client {
+
+class LobbyConnection;
 
 // The chat input `txtChatSend` and its send button `Picture3`. The box starts with a hint and
 // the button disabled; the first focus on the box removes the hint and enables the button, once.
@@ -36,3 +39,5 @@ private:
     LobbyConnection &m_connection;
     SendRateGuard m_guard;
 };
+
+} // namespace client

@@ -1,10 +1,12 @@
 #include "client/presence/chatwords.h"
 
-#include "client/app/blanks.h"
+#include "client/session/blanks.h"
 
 #include <QLocale>
 #include <QRegularExpression>
 #include <QTime>
+
+namespace client {
 
 QString wordAtSelection(QStringView text, qsizetype selectionStart)
 {
@@ -65,3 +67,5 @@ QString chatTimeText(const QTime &time)
     }
     return QLocale::system().toString(time, withoutZone.trimmed());
 }
+
+} // namespace client

@@ -6,6 +6,8 @@
 
 class QTime;
 
+namespace client {
+
 // The text rules of the lobby chat box, apart from any widget.
 
 // The word the user points at when the selection of the chat box starts at `selectionStart`
@@ -29,3 +31,5 @@ QList<TextSpan> findWebAddresses(const QString &text);
 // The time of day as a chat line shows it: the system's long time format without its time
 // zone.
 QString chatTimeText(const QTime &time);
+
+} // namespace client

@@ -3,6 +3,8 @@
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatinput.h"
 
+namespace client {
+
 LobbyChat::LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractButton *Picture3,
                      LobbyConnection &connection, SessionState &session, const Clock &clock,
                      QObject *parent, ChatBox::LinkOpener opener)
@@ -27,3 +29,5 @@ void LobbyChat::addStatusLine(const QString &text)
 {
     addChatLine(statusSender(), QStringLiteral("0"), text);
 }
+
+} // namespace client

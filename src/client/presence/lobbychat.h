@@ -4,13 +4,16 @@
 
 #include <QObject>
 
+class QAbstractButton;
+class QLineEdit;
+class QTextBrowser;
+
+namespace client {
+
 class ChatInput;
 class Clock;
 class LobbyConnection;
 class LobbyDispatcher;
-class QAbstractButton;
-class QLineEdit;
-class QTextBrowser;
 class SessionState;
 
 // The lobby chat of the main window: the chat box `txtChat`, the input `txtChatSend` and the
@@ -42,3 +45,5 @@ private:
     ChatBox *m_box;
     ChatInput *m_input;
 };
+
+} // namespace client

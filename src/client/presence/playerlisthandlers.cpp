@@ -1,9 +1,11 @@
 #include "client/presence/playerlisthandlers.h"
 
-#include "client/app/icons.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/wirenumber.h"
+#include "client/ui/icons.h"
+
+namespace client {
 
 namespace {
 
@@ -93,3 +95,5 @@ void PlayerListHandlers::onPlayerStatus(const protocol::Message &message)
         Q_EMIT removeGameRowRequested(oldAddress);
     m_model.countPlayers();
 }
+
+} // namespace client

@@ -2,11 +2,14 @@
 
 #include <QObject>
 
-class LobbyDispatcher;
-class PlayerListModel;
 namespace protocol {
 struct Message;
 }
+
+namespace client {
+
+class LobbyDispatcher;
+class PlayerListModel;
 
 // The lobby's presence traffic: "AN" announces a player, "RN" withdraws one, "PS" moves one
 // between the lobby, a game and away. Each updates the player list, then recounts the groups.
@@ -40,3 +43,5 @@ private:
 
     PlayerListModel &m_model;
 };
+
+} // namespace client

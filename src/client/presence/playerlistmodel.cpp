@@ -1,8 +1,10 @@
 #include "client/presence/playerlistmodel.h"
 
-#include "client/app/icons.h"
+#include "client/ui/icons.h"
 
 #include <QFont>
+
+namespace client {
 
 namespace {
 
@@ -305,3 +307,5 @@ QIcon PlayerListModel::iconFor(int index) const
         cached = m_icons.insert(index, Icons::smallIcon(index));
     return *cached;
 }
+
+} // namespace client

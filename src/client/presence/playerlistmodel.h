@@ -6,6 +6,8 @@
 #include <QHash>
 #include <QIcon>
 
+namespace client {
+
 // The player list `ListView2`: three group rows (lobby, playing, away) and one entry per
 // announced player. It is the client's only store of what it knows about other players; every
 // per-player value is a text column, found by the player's exact name.
@@ -100,3 +102,5 @@ private:
     QHash<QString, int> m_gameAddressCounts;     // entries per non-empty ipToGame
     mutable QHash<int, QIcon> m_icons;
 };
+
+} // namespace client

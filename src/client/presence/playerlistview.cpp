@@ -5,6 +5,8 @@
 #include <QHeaderView>
 #include <QTreeView>
 
+namespace client {
+
 void configurePlayerListView(QTreeView &view, PlayerListModel &model)
 {
     view.setModel(&model);
@@ -23,3 +25,5 @@ void configurePlayerListView(QTreeView &view, PlayerListModel &model)
     view.header()->setSectionsMovable(false);
     view.header()->setSectionsClickable(false);
 }
+
+} // namespace client

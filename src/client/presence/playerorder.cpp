@@ -1,5 +1,7 @@
 #include "client/presence/playerorder.h"
 
+namespace client {
+
 namespace {
 
 qsizetype lowestBit(qsizetype i)
@@ -137,3 +139,5 @@ void PlayerOrder::Group::compact()
             tree[std::size_t(parent - 1)] += tree[std::size_t(i - 1)];
     }
 }
+
+} // namespace client

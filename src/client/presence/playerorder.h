@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+namespace client {
+
 // One entry of the player list: its column texts, small-icon index, bold flag and text colour.
 struct PlayerRow
 {
@@ -70,3 +72,5 @@ private:
     Groups m_groups;
     int m_size = 0;
 };
+
+} // namespace client

@@ -2,9 +2,13 @@
 
 #include "client/lobby/lobbyconnection.h"
 
+namespace client {
+
 bool sendPresence(LobbyConnection &connection, Presence state, const QString &gameAddress)
 {
     return connection.sendLobbyMessage(
         protocol::Code::PlayerStatus,
         {QString::number(int(state)), state == Presence::Playing ? gameAddress : QString()});
 }
+
+} // namespace client

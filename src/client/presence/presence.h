@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace client {
+
 class LobbyConnection;
 
 // The user's own state as the lobby sees it.
@@ -15,3 +17,5 @@ enum class Presence {
 // the game address (empty otherwise). Dropped silently while not connected; true when sent.
 // Whether to send at all (connected, not in a game) is the caller's rule.
 bool sendPresence(LobbyConnection &connection, Presence state, const QString &gameAddress = {});
+
+} // namespace client

@@ -1,7 +1,9 @@
 #include "client/presence/sendrateguard.h"
 
-#include "client/app/clock.h"
-#include "client/app/sessionstate.h"
+#include "client/session/clock.h"
+#include "client/session/sessionstate.h"
+
+namespace client {
 
 namespace {
 
@@ -29,3 +31,5 @@ bool SendRateGuard::tryPass()
     m_session.textSendTime = now;
     return true;
 }
+
+} // namespace client

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace client {
+
 class Clock;
 class SessionState;
 
@@ -20,3 +22,5 @@ private:
     SessionState &m_session;
     const Clock &m_clock;
 };
+
+} // namespace client

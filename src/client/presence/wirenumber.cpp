@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace client {
+
 std::optional<double> readWholeNumber(const QString &text)
 {
     bool ok = false;
@@ -15,3 +17,5 @@ QString wholeNumberText(double value)
 {
     return QString::number(value, 'f', 0);
 }
+
+} // namespace client

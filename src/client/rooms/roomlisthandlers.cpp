@@ -4,6 +4,8 @@
 #include "client/rooms/roomlistmodel.h"
 #include "protocol/message.h"
 
+namespace client {
+
 namespace {
 
 const QString kNotAvailable = QStringLiteral("N/A");
@@ -103,3 +105,5 @@ void RoomListHandlers::removeGameRow(const QString &address)
     if (row >= 0)
         m_rooms.removeRow(row);
 }
+
+} // namespace client

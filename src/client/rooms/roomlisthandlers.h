@@ -7,6 +7,9 @@
 namespace protocol {
 struct Message;
 }
+
+namespace client {
+
 class LobbyDispatcher;
 class RoomListModel;
 
@@ -53,3 +56,5 @@ private:
     QPointer<LobbyDispatcher> m_dispatcher;
     GameAddressInUse m_gameAddressInUse;
 };
+
+} // namespace client

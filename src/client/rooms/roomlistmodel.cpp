@@ -1,6 +1,8 @@
 #include "client/rooms/roomlistmodel.h"
 
-#include "client/app/icons.h"
+#include "client/ui/icons.h"
+
+namespace client {
 
 namespace {
 
@@ -117,3 +119,5 @@ QString padLeft8(const QString &text)
 {
     return text.size() >= 8 ? text : QString(8 - text.size(), u' ') + text;
 }
+
+} // namespace client

@@ -2,6 +2,8 @@
 
 #include <QStandardItemModel>
 
+namespace client {
+
 // The room list `ListView1`: every open room and every running game that lobby players are
 // in. The rows are the only store of rooms; messages find a room row by its host's name and a
 // running-game row by its address.
@@ -64,3 +66,5 @@ private:
 // Right-aligns a text in eight characters so that numbers sort by value as text; a text of
 // eight or more characters is returned unchanged.
 QString padLeft8(const QString &text);
+
+} // namespace client

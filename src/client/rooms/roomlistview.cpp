@@ -5,6 +5,8 @@
 #include <QHeaderView>
 #include <QTreeView>
 
+namespace client {
+
 void setUpRoomListView(QTreeView &view, RoomListModel &model)
 {
     view.setModel(&model);
@@ -33,3 +35,5 @@ void setUpRoomListView(QTreeView &view, RoomListModel &model)
                          header->setSortIndicator(model->sortKey(), model->sortOrder());
                      });
 }
+
+} // namespace client

@@ -1,6 +1,9 @@
 #pragma once
 
 class QTreeView;
+
+namespace client {
+
 class RoomListModel;
 
 // Shows the room list in `ListView1`: its six columns with the rows' icons, one row selected
@@ -8,3 +11,5 @@ class RoomListModel;
 // (RoomListModel::sortByHeader) and the header shows the column and order. The view itself
 // never sorts: the model is kept in display order.
 void setUpRoomListView(QTreeView &view, RoomListModel &model);
+
+} // namespace client

@@ -1,15 +1,15 @@
 #include "client/app/appwindows.h"
 #include "client/app/clientapplication.h"
-#include "client/app/clock.h"
 #include "client/app/form1.h"
-#include "client/app/picturebutton.h"
-#include "client/app/plainwindow.h"
-#include "client/app/sessionstate.h"
-#include "client/game/tickcount.h"
 #include "client/lobby/frmlogin.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/platform/registrylinux.h"
-#include "fakes.h"
+#include "client/session/clock.h"
+#include "client/session/sessionstate.h"
+#include "client/session/tickcount.h"
+#include "client/ui/picturebutton.h"
+#include "client/ui/plainwindow.h"
+#include "support/clientfakes.h"
 
 #include <QDir>
 #include <QLineEdit>
@@ -17,6 +17,8 @@
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
+
+using namespace client;
 
 class TestClientApplication : public QObject
 {

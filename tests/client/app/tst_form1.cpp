@@ -1,9 +1,9 @@
 #include "client/app/form1.h"
-#include "client/app/picturebutton.h"
 #include "client/app/sessionlooks.h"
-#include "client/app/sessionstate.h"
 #include "client/app/splitterbar.h"
-#include "fakes.h"
+#include "client/session/sessionstate.h"
+#include "client/ui/picturebutton.h"
+#include "support/clientfakes.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -11,6 +11,8 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QTreeView>
+
+using namespace client;
 
 class TestForm1 : public QObject
 {
@@ -52,7 +54,9 @@ private Q_SLOTS:
         Form1 form;
         QObject *control = form.findChild<QObject *>(name);
         QVERIFY2(control, qPrintable(name));
-        QCOMPARE(QString::fromLatin1(control->metaObject()->className()), className);
+        QCOMPARE(QString::fromLatin1(control->metaObject()->className())
+                     .remove(QStringLiteral("client::")),
+                 className);
     }
 
     void startsAsSpecified()

@@ -1,12 +1,14 @@
 #include "client/app/form1.h"
-#include "client/app/sessionstate.h"
 #include "client/app/traycontroller.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
-#include "fakes.h"
+#include "client/session/sessionstate.h"
+#include "support/clientfakes.h"
 #include "support/scriptedserver.h"
 
 #include <QTest>
+
+using namespace client;
 
 class TestTray : public QObject
 {

@@ -2,7 +2,7 @@
 #include "client/game/gameinfo.h"
 #include "client/game/gameserverquery.h"
 #include "client/rooms/roomlistmodel.h"
-#include "manualtickcount.h"
+#include "support/clientfakes.h"
 #include "udpresponder.h"
 
 #include <QLabel>
@@ -12,6 +12,8 @@
 #include <QTest>
 #include <QTreeView>
 #include <memory>
+
+using namespace client;
 
 namespace {
 

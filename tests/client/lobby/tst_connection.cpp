@@ -8,6 +8,8 @@
 #include <QTcpSocket>
 #include <QTest>
 
+using namespace client;
+
 using protocol::Code;
 
 class TestConnection : public QObject

@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace client;
+
 using protocol::Code;
 
 namespace {

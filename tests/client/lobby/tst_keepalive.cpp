@@ -1,11 +1,13 @@
-#include "client/app/sessionstate.h"
 #include "client/lobby/keepalive.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/session/sessionstate.h"
 #include "support/scriptedserver.h"
 
 #include <QTest>
 #include <QTimer>
+
+using namespace client;
 
 class TestKeepAlive : public QObject
 {

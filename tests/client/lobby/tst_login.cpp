@@ -1,12 +1,12 @@
-#include "client/app/eventsounds.h"
-#include "client/app/picturebutton.h"
-#include "client/app/sessionstate.h"
 #include "client/lobby/credentialsfile.h"
 #include "client/lobby/frmlogin.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
 #include "client/platform/soundplayer.h"
+#include "client/session/eventsounds.h"
+#include "client/session/sessionstate.h"
+#include "client/ui/picturebutton.h"
 #include "support/scriptedserver.h"
 
 #include <QApplication>
@@ -15,6 +15,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+
+using namespace client;
 
 namespace {
 

@@ -1,13 +1,13 @@
-#include "client/app/options/autostart.h"
-#include "client/app/options/basregistry.h"
-#include "client/app/options/frmoptions.h"
-#include "client/app/options/hotkeyedit.h"
-#include "client/app/options/options.h"
-#include "client/app/options/optionsstore.h"
-#include "client/app/picturebutton.h"
+#include "client/options/autostart.h"
+#include "client/options/basregistry.h"
+#include "client/options/frmoptions.h"
+#include "client/options/hotkeyedit.h"
+#include "client/options/options.h"
+#include "client/options/optionsstore.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/registryautostart.h"
 #include "client/platform/registrylinux.h"
+#include "client/ui/picturebutton.h"
 
 #include <QCheckBox>
 #include <QDir>
@@ -18,6 +18,8 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+
+using namespace client;
 
 namespace {
 

@@ -1,10 +1,12 @@
-#include "client/app/options/hotkeynames.h"
-#include "client/app/options/options.h"
-#include "client/app/options/settingsfile.h"
+#include "client/options/hotkeynames.h"
+#include "client/options/options.h"
+#include "client/options/settingsfile.h"
 
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
+
+using namespace client;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "client/app/options/basregistry.h"
+#include "client/options/basregistry.h"
 #include "client/platform/registryautostart.h"
 #include "client/platform/registrylinux.h"
 #include "client/platform/registrywine.h"
@@ -10,6 +10,8 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+
+using namespace client;
 
 using Root = Registry::Root;
 

@@ -1,12 +1,13 @@
-#include "client/app/clock.h"
-#include "client/app/sessionstate.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatinput.h"
 #include "client/presence/chatwords.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/sendrateguard.h"
+#include "client/session/clock.h"
+#include "client/session/sessionstate.h"
 #include "protocol/message.h"
+#include "support/clientfakes.h"
 #include "support/scriptedserver.h"
 
 #include <QLineEdit>
@@ -16,6 +17,8 @@
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QVBoxLayout>
+
+using namespace client;
 
 using protocol::Code;
 

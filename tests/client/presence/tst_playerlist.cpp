@@ -14,6 +14,8 @@
 #include <QTreeView>
 #include <optional>
 
+using namespace client;
+
 using protocol::Code;
 using Model = PlayerListModel;
 using Messages = QList<QByteArray>;

@@ -11,6 +11,8 @@
 
 #include <utility>
 
+using namespace client;
+
 using protocol::Code;
 
 class TestRoomList : public QObject

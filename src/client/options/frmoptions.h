@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QWidget>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QToolButton;
+
+namespace client {
+
+class Dialogs;
+class HotKeyEdit;
+class Options;
+class OptionsStore;
+class PictureButton;
+
+// The options window (borderless, dragged by its background and `lblOptions`): a view of the
+// `Options` that edits them in place, so a change is in force at once. Clicking into a game
+// folder field browses for the game's executable; the "Delete Path" buttons clear a folder
+// after asking. `picClose` writes the settings file and hides the window, the only way the
+// settings are saved. Shown application-modal.
+class FrmOptions : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum class Game { RogueSpear, BlackOps };
+
+    FrmOptions(Options &options, OptionsStore &store, Dialogs &dialogs, QWidget *parent = nullptr);
+
+    // Asks for the game's executable; the folder that holds it becomes the game's folder.
+    // Cancelling changes nothing.
+    void browseGameFolder(Game game);
+    // Asks "Are you sure?"; on Yes the game's folder becomes empty.
+    void clearGameFolder(Game game);
+
+    QLabel *lblOptions;
+    PictureButton *picClose;
+    QCheckBox *chkAutoStart;
+    QCheckBox *chkAutoLogIn;
+    QCheckBox *chkSound;
+    QCheckBox *chkReset;
+    HotKeyEdit *txtHotKey;
+    QLabel *lblPathToRoguespear;
+    QLineEdit *txtPathRS;
+    QToolButton *picDeletePathRS;
+    QLabel *lblPathToR6BO;
+    QLineEdit *txtPathBlackOps;
+    QToolButton *picDeletePathBO;
+
+Q_SIGNALS:
+    // `picClose` saved the settings and hid the window.
+    void closed();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QCheckBox *addCheckBox(const char *name, const QString &caption, const QString &toolTip,
+                           int top);
+    void bindToOptions();
+    void closeAndSave();
+
+    Options &m_options;
+    OptionsStore &m_store;
+    Dialogs &m_dialogs;
+};
+
+} // namespace client

@@ -1,0 +1,29 @@
+#include "client/options/optionsstore.h"
+
+#include "client/options/options.h"
+#include "client/options/settingsfile.h"
+#include "client/platform/dialogs.h"
+
+namespace client {
+
+OptionsStore::OptionsStore(Options &options, const QString &dataFolder, DefaultGameFolders defaults,
+                           Dialogs &dialogs)
+    : m_options(options), m_settingsPath(dataFolder + u'/' + SettingsFile::fileName()),
+      m_defaults(std::move(defaults)), m_dialogs(dialogs)
+{
+}
+
+void OptionsStore::load()
+{
+    SettingsFile::read(m_settingsPath, m_options);
+    if (!m_defaults.fillEmpty(m_options))
+        m_dialogs.messageBox(applicationTitle(), DefaultGameFolders::missingMessage(),
+                             Dialogs::Buttons::Ok, Dialogs::Icon::Information);
+}
+
+bool OptionsStore::save()
+{
+    return SettingsFile::write(m_settingsPath, m_options);
+}
+
+} // namespace client

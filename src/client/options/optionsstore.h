@@ -1,0 +1,36 @@
+#pragma once
+
+#include "client/options/defaultgamefolders.h"
+
+#include <QString>
+
+namespace client {
+
+class Dialogs;
+class Options;
+
+// Where the options live between sessions: the settings file in the data folder. Loading
+// also fills in the games' default folders and tells the user when no game folder is known.
+class OptionsStore
+{
+public:
+    OptionsStore(Options &options, const QString &dataFolder, DefaultGameFolders defaults,
+                 Dialogs &dialogs);
+
+    // The load step of the options: reads the settings file (a missing file keeps the
+    // defaults), then probes the default game folders; when both folders are still empty,
+    // says so in a message box.
+    void load();
+    // Writes all seven settings. False when the file cannot be written.
+    bool save();
+
+    QString settingsPath() const { return m_settingsPath; }
+
+private:
+    Options &m_options;
+    QString m_settingsPath;
+    DefaultGameFolders m_defaults;
+    Dialogs &m_dialogs;
+};
+
+} // namespace client

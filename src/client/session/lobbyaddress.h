@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace client {
+
+// A host with a port, as given on the command line ("HOST[:PORT]") and kept in the data
+// folder so that later starts without the option use the same servers.
+struct HostPort
+{
+    QString host;
+    quint16 port = 0;
+
+    // "HOST", "HOST:PORT", "[v6]:PORT"; nullopt for an empty host or a bad port.
+    static std::optional<HostPort> parse(const QString &text, quint16 defaultPort);
+    // The form `parse` reads back.
+    QString toString() const;
+};
+
+// The lobby and web addresses kept in "servers.ini" in the data folder.
+struct ServerAddresses
+{
+    static constexpr quint16 kLobbyPort = 20000;
+    static constexpr quint16 kWebPort = 80;
+    static constexpr auto kDefaultHost = "localhost";
+
+    HostPort lobby{QString::fromLatin1(kDefaultHost), kLobbyPort};
+    // The web host defaults to the lobby host.
+    std::optional<HostPort> web;
+
+    HostPort webOrLobbyHost() const { return web ? *web : HostPort{lobby.host, kWebPort}; }
+
+    static ServerAddresses load(const QString &dataFolder);
+    void save(const QString &dataFolder) const;
+};
+
+} // namespace client

@@ -1,0 +1,64 @@
+#include "client/ui/picturebutton.h"
+
+#include <QPainter>
+
+namespace client {
+
+PictureButton::PictureButton(QWidget *parent) : QAbstractButton(parent)
+{
+    setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::NoFocus);
+    setIconSize(QSize(24, 24));
+}
+
+void PictureButton::setPicture(const QIcon &picture)
+{
+    setIcon(picture);
+    update();
+}
+
+void PictureButton::setTag(const QString &tag)
+{
+    if (m_tag == tag)
+        return;
+    m_tag = tag;
+    Q_EMIT tagChanged(tag);
+}
+
+QSize PictureButton::sizeHint() const
+{
+    return iconSize() + QSize(8, 8);
+}
+
+void PictureButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isEnabled() && (m_hovered || isDown())) {
+        QColor glow = palette().color(QPalette::Highlight);
+        glow.setAlpha(isDown() ? 110 : 60);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(glow);
+        painter.drawRoundedRect(rect().adjusted(1, 1, -1, -1), 4, 4);
+    }
+    const QIcon::Mode mode = isEnabled() ? QIcon::Normal : QIcon::Disabled;
+    const QSize size = iconSize().boundedTo(this->size());
+    const QRect target(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
+    icon().paint(&painter, target, Qt::AlignCenter, mode);
+}
+
+void PictureButton::enterEvent(QEnterEvent *event)
+{
+    m_hovered = true;
+    update();
+    QAbstractButton::enterEvent(event);
+}
+
+void PictureButton::leaveEvent(QEvent *event)
+{
+    m_hovered = false;
+    update();
+    QAbstractButton::leaveEvent(event);
+}
+
+} // namespace client

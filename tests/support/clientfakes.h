@@ -1,0 +1,88 @@
+#pragma once
+
+// Stand-ins for the operating-system services a test cannot use for real: no notification
+// area and no sound device under the offscreen platform, dialogs that nobody answers, and
+// clocks that move only when a test moves them.
+
+#include "client/platform/dialogs.h"
+#include "client/platform/soundplayer.h"
+#include "client/platform/trayservice.h"
+#include "client/session/clock.h"
+#include "client/session/tickcount.h"
+
+class FakeTray final : public client::TrayService
+{
+public:
+    bool available = true;
+    bool shown = false;
+    QString tip;
+    int modifications = 0;
+
+    bool isAvailable() const override { return available; }
+    void add(const QIcon &, const QString &text) override
+    {
+        shown = true;
+        tip = text;
+    }
+    void modify(const QIcon &, const QString &text) override
+    {
+        tip = text;
+        ++modifications;
+    }
+    void remove() override { shown = false; }
+    bool isShown() const override { return shown; }
+    void doubleClick() { Q_EMIT doubleClicked(); }
+};
+
+class RecordingPlayer final : public client::SoundPlayer
+{
+public:
+    void play(const QString &file) override { played << file; }
+    QStringList played;
+};
+
+// Answers every dialog at once and remembers what was asked.
+class FakeDialogs final : public client::Dialogs
+{
+public:
+    QStringList messages;
+    Answer answer = Answer::Ok;
+
+    Answer messageBox(const QString &, const QString &text, Buttons, Icon) override
+    {
+        messages << text;
+        return answer;
+    }
+    QString openFileName(const QString &, const QString &) override { return {}; }
+    QString inputBox(const QString &, const QString &, const QString &, bool) override
+    {
+        return {};
+    }
+};
+
+// A clock that stands still until it is set or advanced.
+class ManualClock final : public client::Clock
+{
+public:
+    explicit ManualClock(QDateTime start = QDateTime(QDate(2026, 1, 1), QTime(12, 0)))
+        : m_now(std::move(start))
+    {
+    }
+    QDateTime now() const override { return m_now; }
+    void set(const QDateTime &time) { m_now = time; }
+    void advanceSeconds(qint64 seconds) { m_now = m_now.addSecs(seconds); }
+
+private:
+    QDateTime m_now;
+};
+
+// A tick counter that stands still until a test sets it.
+class ManualTickCount final : public client::TickCount
+{
+public:
+    qint64 now() const override { return m_now; }
+    void set(qint64 ticks) { m_now = ticks; }
+
+private:
+    qint64 m_now = 1000;
+};
