@@ -3,7 +3,7 @@
 #include "client/game/frmgameinfo.h"
 #include "client/lobby/frmlogin.h"
 #include "client/options/frmoptions.h"
-#include "client/ui/plainwindow.h"
+#include "client/ui/borderlesswindow.h"
 
 namespace client {
 
@@ -27,22 +27,22 @@ FrmOptions *AppWindows::frmOptions()
     return m_options.get();
 }
 
-PlainWindow *AppWindows::frmRoom()
+BorderlessWindow *AppWindows::frmRoom()
 {
     return m_room.get();
 }
 
-PlainWindow *AppWindows::frmMenu()
+BorderlessWindow *AppWindows::frmMenu()
 {
     return m_menu.get();
 }
 
-PlainWindow *AppWindows::frmPager()
+BorderlessWindow *AppWindows::frmPager()
 {
     return m_pager.get();
 }
 
-PlainWindow *AppWindows::frmMakeRoom()
+BorderlessWindow *AppWindows::frmMakeRoom()
 {
     return m_makeRoom.get();
 }

@@ -6,10 +6,10 @@
 
 namespace client {
 
+class BorderlessWindow;
 class FrmGameInfo;
 class FrmLogIn;
 class FrmOptions;
-class PlainWindow;
 
 // The program's windows besides the main window. Each exists at most once and is created the
 // first time it is touched, through its accessor; unloading destroys it, so the next touch
@@ -23,10 +23,10 @@ public:
     {
         std::function<FrmLogIn *()> logIn;
         std::function<FrmOptions *()> options;
-        std::function<PlainWindow *()> room;
-        std::function<PlainWindow *()> menu;
-        std::function<PlainWindow *()> pager;
-        std::function<PlainWindow *()> makeRoom;
+        std::function<BorderlessWindow *()> room;
+        std::function<BorderlessWindow *()> menu;
+        std::function<BorderlessWindow *()> pager;
+        std::function<BorderlessWindow *()> makeRoom;
         std::function<FrmGameInfo *()> gameInfo;
     };
 
@@ -35,10 +35,10 @@ public:
 
     FrmLogIn *frmLogIn();
     FrmOptions *frmOptions();
-    PlainWindow *frmRoom();
-    PlainWindow *frmMenu();
-    PlainWindow *frmPager();
-    PlainWindow *frmMakeRoom();
+    BorderlessWindow *frmRoom();
+    BorderlessWindow *frmMenu();
+    BorderlessWindow *frmPager();
+    BorderlessWindow *frmMakeRoom();
     FrmGameInfo *frmGameInfo();
 
     bool isLoginLoaded() const { return m_logIn.isLoaded(); }
@@ -58,10 +58,10 @@ private:
 
     WindowSlot<FrmLogIn> m_logIn;
     WindowSlot<FrmOptions> m_options;
-    WindowSlot<PlainWindow> m_room;
-    WindowSlot<PlainWindow> m_menu;
-    WindowSlot<PlainWindow> m_pager;
-    WindowSlot<PlainWindow> m_makeRoom;
+    WindowSlot<BorderlessWindow> m_room;
+    WindowSlot<BorderlessWindow> m_menu;
+    WindowSlot<BorderlessWindow> m_pager;
+    WindowSlot<BorderlessWindow> m_makeRoom;
     WindowSlot<FrmGameInfo> m_gameInfo;
 };
 

@@ -32,8 +32,8 @@
 #include "client/session/clock.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
+#include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
-#include "client/ui/plainwindow.h"
 
 #include <QDir>
 #include <QLabel>
@@ -120,18 +120,23 @@ void ClientApplication::buildWindows()
         loadOptions();
         return new FrmOptions(*m_options, *m_optionsStore, *m_services.dialogs);
     };
+    // Placeholders until these windows get their contents.
     factories.room = [] {
-        return new PlainWindow(QStringLiteral("frmRoom"), QStringLiteral("Room"), {520, 400});
+        return new BorderlessWindow(
+            {.objectName = "frmRoom", .title = QStringLiteral("Room"), .size = {520, 400}});
     };
     factories.menu = [] {
-        return new PlainWindow(QStringLiteral("frmMenu"), QStringLiteral("Player"), {160, 120});
+        return new BorderlessWindow(
+            {.objectName = "frmMenu", .title = QStringLiteral("Player"), .size = {160, 120}});
     };
     factories.pager = [] {
-        return new PlainWindow(QStringLiteral("frmPager"), QStringLiteral("Messages"), {420, 360});
+        return new BorderlessWindow(
+            {.objectName = "frmPager", .title = QStringLiteral("Messages"), .size = {420, 360}});
     };
     factories.makeRoom = [] {
-        return new PlainWindow(QStringLiteral("frmMakeRoom"), QStringLiteral("Create room"),
-                               {300, 160});
+        return new BorderlessWindow({.objectName = "frmMakeRoom",
+                                     .title = QStringLiteral("Create room"),
+                                     .size = {300, 160}});
     };
     factories.gameInfo = [this] { return new FrmGameInfo(*m_gameInfo); };
     m_windows = new AppWindows(std::move(factories), this);

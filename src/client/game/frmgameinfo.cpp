@@ -1,10 +1,6 @@
 #include "client/game/frmgameinfo.h"
 
 #include "client/game/gameinfo.h"
-#include "client/ui/draghandle.h"
-#include "client/ui/icons.h"
-#include "client/ui/picturebutton.h"
-#include "client/ui/windowframe.h"
 
 #include <QHeaderView>
 #include <QLabel>
@@ -14,27 +10,12 @@
 namespace client {
 
 FrmGameInfo::FrmGameInfo(const GameInfo &info, QWidget *parent)
-    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint), m_info(info)
+    : BorderlessWindow(
+          {.objectName = "frmGameInfo", .title = QStringLiteral("Game Info"), .size = kSize},
+          parent),
+      m_info(info)
 {
-    setObjectName(QStringLiteral("frmGameInfo"));
-    setWindowTitle(QStringLiteral("Game Info"));
-    resize(kSize);
-
-    Label2 = new QLabel(QStringLiteral("Game Info"), this);
-    Label2->setObjectName(QStringLiteral("Label2"));
-    QFont bold = Label2->font();
-    bold.setBold(true);
-    Label2->setFont(bold);
-    Label2->setGeometry(10, 6, kSize.width() - 50, 20);
-
-    closeButton = new PictureButton(this);
-    closeButton->setObjectName(QStringLiteral("closeButton"));
-    closeButton->setPicture(Icons::button(QStringLiteral("close")));
-    closeButton->setGeometry(kSize.width() - 28, 4, 22, 22);
-    connect(closeButton, &QAbstractButton::clicked, this, &QWidget::close);
-
-    playerList = new QTreeView(this);
-    playerList->setObjectName(QStringLiteral("playerList"));
+    playerList = addControl<QTreeView>("playerList", {10, 36, kSize.width() - 20, 150});
     playerList->setModel(info.playersModel());
     playerList->setRootIsDecorated(false);
     playerList->setSelectionMode(QAbstractItemView::NoSelection);
@@ -43,7 +24,6 @@ FrmGameInfo::FrmGameInfo(const GameInfo &info, QWidget *parent)
     playerList->header()->setStretchLastSection(false);
     playerList->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     playerList->header()->resizeSection(1, 60);
-    playerList->setGeometry(10, 36, kSize.width() - 20, 150);
 
     roomNameLabel = makeLabel("roomNameLabel", 194);
     mapLabel = makeLabel("mapLabel", 214);
@@ -55,15 +35,12 @@ FrmGameInfo::FrmGameInfo(const GameInfo &info, QWidget *parent)
 
     connect(&info, &GameInfo::changed, this, &FrmGameInfo::refresh);
     refresh();
-    DragHandle::install(this, {Label2});
 }
 
 QLabel *FrmGameInfo::makeLabel(const char *name, int y)
 {
-    auto *label = new QLabel(this);
-    label->setObjectName(QLatin1String(name));
+    auto *label = addLabel(name, QString(), {12, y, kSize.width() - 24, 18});
     label->setTextFormat(Qt::PlainText); // server names are not markup
-    label->setGeometry(12, y, kSize.width() - 24, 18);
     return label;
 }
 
@@ -79,11 +56,6 @@ void FrmGameInfo::refresh()
     passwordLabel->setText(labels.password);
     lockedLabel->setText(labels.locked);
     timeLimitLabel->setText(labels.timeLimit);
-}
-
-void FrmGameInfo::paintEvent(QPaintEvent *)
-{
-    paintWindowFrame(*this);
 }
 
 } // namespace client

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "client/ui/borderlesswindow.h"
 
 class QLabel;
 class QTreeView;
@@ -8,12 +8,10 @@ class QTreeView;
 namespace client {
 
 class GameInfo;
-class PictureButton;
 
-// The game-info window: the details and players of the game server queried last. A
-// borderless window, dragged by its background and its title `Label2`; it only shows what
-// `GameInfo` holds and follows its changes.
-class FrmGameInfo : public QWidget
+// The game-info window: the details and players of the game server queried last, dragged by its
+// background and its title `Label2`. It only shows what `GameInfo` holds and follows its changes.
+class FrmGameInfo : public BorderlessWindow
 {
     Q_OBJECT
 
@@ -22,9 +20,8 @@ public:
 
     explicit FrmGameInfo(const GameInfo &info, QWidget *parent = nullptr);
 
-    QLabel *Label2; // title "Game Info"
-    PictureButton *closeButton;
-    QTreeView *playerList; // "Player", "Ping"
+    QLabel *Label2 = titleLabel(); // title "Game Info"
+    QTreeView *playerList;         // "Player", "Ping"
     QLabel *roomNameLabel;
     QLabel *mapLabel;
     QLabel *gameTypeLabel;
@@ -32,9 +29,6 @@ public:
     QLabel *passwordLabel;
     QLabel *lockedLabel;
     QLabel *timeLimitLabel;
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     void refresh();

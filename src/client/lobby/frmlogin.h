@@ -1,19 +1,17 @@
 #pragma once
 
 #include "client/lobby/credentialsfile.h"
-
-#include <QWidget>
+#include "client/ui/borderlesswindow.h"
 
 class QLabel;
 class QLineEdit;
 
 namespace client {
 
-class PictureButton;
-
 // The login dialog: user name and password, a Login button and a close button. Creating it
-// fills both boxes from user.txt; Login saves them to user.txt and asks to log in.
-class FrmLogIn : public QWidget
+// fills both boxes from user.txt; Login saves them to user.txt and asks to log in. The close
+// button only closes it, which unloads it.
+class FrmLogIn : public BorderlessWindow
 {
     Q_OBJECT
 
@@ -27,20 +25,17 @@ public:
     // Shows the dialog, modal to the whole program.
     void showModal();
 
-    QLabel *Label3; // title "Login"
-    QLabel *Label1; // "User name"
-    QLabel *Label2; // "Password"
+    QLabel *Label3 = titleLabel(); // title "Login"
+    QLabel *Label1;                // "User name"
+    QLabel *Label2;                // "Password"
     QLineEdit *txtName;
     QLineEdit *txtPassword;
     PictureButton *Picture3; // Login
-    PictureButton *Picture2; // close
+    PictureButton *Picture2 = closeButton();
 
 Q_SIGNALS:
     // Login pressed; the boxes are saved to user.txt already.
     void loginRequested();
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     QString m_credentialsPath;

@@ -1,13 +1,10 @@
 #include "client/options/frmoptions.h"
 
-#include "client/ui/draghandle.h"
-#include "client/ui/icons.h"
 #include "client/options/hotkeyedit.h"
 #include "client/options/options.h"
 #include "client/options/optionsstore.h"
-#include "client/ui/picturebutton.h"
-#include "client/ui/windowframe.h"
 #include "client/platform/dialogs.h"
+#include "client/ui/picturebutton.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -19,57 +16,20 @@
 namespace client {
 
 namespace {
-
 constexpr QSize kSize(400, 290);
-
-QToolButton *deleteButton(QWidget *parent, const char *name, int top)
-{
-    auto *button = new QToolButton(parent);
-    button->setObjectName(QLatin1String(name));
-    button->setText(QStringLiteral("Delete Path"));
-    button->setAutoRaise(true);
-    button->setGeometry(306, top, 84, 24);
-    return button;
 }
-
-QLineEdit *folderField(QWidget *parent, const char *name, int top)
-{
-    auto *field = new QLineEdit(parent);
-    field->setObjectName(QLatin1String(name));
-    field->setGeometry(10, top, 290, 24);
-    field->setToolTip(QStringLiteral("Click to browse for the game"));
-    return field;
-}
-
-QLabel *label(QWidget *parent, const char *name, const QString &text, QRect geometry)
-{
-    auto *l = new QLabel(text, parent);
-    l->setObjectName(QLatin1String(name));
-    l->setGeometry(geometry);
-    return l;
-}
-
-} // namespace
 
 FrmOptions::FrmOptions(Options &options, OptionsStore &store, Dialogs &dialogs, QWidget *parent)
-    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint), m_options(options), m_store(store),
-      m_dialogs(dialogs)
+    : BorderlessWindow({.objectName = "frmOptions",
+                        .title = QStringLiteral("Options"),
+                        .size = kSize,
+                        .titleLabelName = "lblOptions",
+                        .closeButtonName = "picClose"},
+                       parent),
+      m_options(options), m_store(store), m_dialogs(dialogs)
 {
-    setObjectName(QStringLiteral("frmOptions"));
-    setWindowTitle(QStringLiteral("Options"));
     setWindowModality(Qt::ApplicationModal);
-    resize(kSize);
-
-    lblOptions = label(this, "lblOptions", QStringLiteral("Options"), {10, 6, 200, 20});
-    QFont bold = lblOptions->font();
-    bold.setBold(true);
-    lblOptions->setFont(bold);
-
-    picClose = new PictureButton(this);
-    picClose->setObjectName(QStringLiteral("picClose"));
-    picClose->setPicture(Icons::button(QStringLiteral("close")));
     picClose->setToolTip(QStringLiteral("Close"));
-    picClose->setGeometry(kSize.width() - 28, 4, 22, 22);
 
     chkAutoStart = addCheckBox("chkAutoStart", QStringLiteral("Autostart"),
                                QStringLiteral("Start QuorVel when windows starts"), 40);
@@ -81,31 +41,42 @@ FrmOptions::FrmOptions(Options &options, OptionsStore &store, Dialogs &dialogs, 
         "chkReset", QStringLiteral("Ingame reset key     (0-9)     (A-Z)           (F1 - F12) "),
         QStringLiteral("Ingame reset key"), 112);
 
-    txtHotKey = new HotKeyEdit(this);
-    txtHotKey->setObjectName(QStringLiteral("txtHotKey"));
-    txtHotKey->setGeometry(32, 138, 60, 24);
+    txtHotKey = addControl<HotKeyEdit>("txtHotKey", {32, 138, 60, 24});
 
-    lblPathToRoguespear = label(this, "lblPathToRoguespear",
-                                QStringLiteral("Path to: roguespear.exe"), {10, 172, 290, 20});
-    txtPathRS = folderField(this, "txtPathRS", 192);
-    picDeletePathRS = deleteButton(this, "picDeletePathRS", 192);
+    lblPathToRoguespear = addLabel("lblPathToRoguespear", QStringLiteral("Path to: roguespear.exe"),
+                                   {10, 172, 290, 20});
+    txtPathRS = addFolderField("txtPathRS", 192);
+    picDeletePathRS = addDeleteButton("picDeletePathRS", 192);
     lblPathToR6BO =
-        label(this, "lblPathToR6BO", QStringLiteral("Path to: R6BO.exe"), {10, 226, 290, 20});
-    txtPathBlackOps = folderField(this, "txtPathBlackOps", 246);
-    picDeletePathBO = deleteButton(this, "picDeletePathBO", 246);
+        addLabel("lblPathToR6BO", QStringLiteral("Path to: R6BO.exe"), {10, 226, 290, 20});
+    txtPathBlackOps = addFolderField("txtPathBlackOps", 246);
+    picDeletePathBO = addDeleteButton("picDeletePathBO", 246);
 
     bindToOptions();
-    DragHandle::install(this, {lblOptions});
 }
 
 QCheckBox *FrmOptions::addCheckBox(const char *name, const QString &caption, const QString &toolTip,
                                    int top)
 {
-    auto *box = new QCheckBox(caption, this);
-    box->setObjectName(QLatin1String(name));
+    auto *box = addControl<QCheckBox>(name, {12, top, 376, 22});
+    box->setText(caption);
     box->setToolTip(toolTip);
-    box->setGeometry(12, top, 376, 22);
     return box;
+}
+
+QLineEdit *FrmOptions::addFolderField(const char *name, int top)
+{
+    auto *field = addControl<QLineEdit>(name, {10, top, 290, 24});
+    field->setToolTip(QStringLiteral("Click to browse for the game"));
+    return field;
+}
+
+QToolButton *FrmOptions::addDeleteButton(const char *name, int top)
+{
+    auto *button = addControl<QToolButton>(name, {306, top, 84, 24});
+    button->setText(QStringLiteral("Delete Path"));
+    button->setAutoRaise(true);
+    return button;
 }
 
 void FrmOptions::bindToOptions()
@@ -152,7 +123,6 @@ void FrmOptions::bindToOptions()
             [this] { clearGameFolder(Game::RogueSpear); });
     connect(picDeletePathBO, &QAbstractButton::clicked, this,
             [this] { clearGameFolder(Game::BlackOps); });
-    connect(picClose, &QAbstractButton::clicked, this, &FrmOptions::closeAndSave);
 }
 
 void FrmOptions::browseGameFolder(Game game)
@@ -182,7 +152,7 @@ void FrmOptions::clearGameFolder(Game game)
         m_options.setPathBlackOps(QString());
 }
 
-void FrmOptions::closeAndSave()
+void FrmOptions::closeClicked()
 {
     m_store.save();
     hide();
@@ -198,12 +168,7 @@ bool FrmOptions::eventFilter(QObject *watched, QEvent *event)
         else if (watched == txtPathBlackOps)
             browseGameFolder(Game::BlackOps);
     }
-    return QWidget::eventFilter(watched, event);
-}
-
-void FrmOptions::paintEvent(QPaintEvent *)
-{
-    paintWindowFrame(*this);
+    return BorderlessWindow::eventFilter(watched, event);
 }
 
 } // namespace client

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "client/ui/borderlesswindow.h"
 
 class QCheckBox;
 class QLabel;
@@ -13,14 +13,13 @@ class Dialogs;
 class HotKeyEdit;
 class Options;
 class OptionsStore;
-class PictureButton;
 
 // The options window (borderless, dragged by its background and `lblOptions`): a view of the
 // `Options` that edits them in place, so a change is in force at once. Clicking into a game
 // folder field browses for the game's executable; the "Delete Path" buttons clear a folder
 // after asking. `picClose` writes the settings file and hides the window, the only way the
 // settings are saved. Shown application-modal.
-class FrmOptions : public QWidget
+class FrmOptions : public BorderlessWindow
 {
     Q_OBJECT
 
@@ -35,8 +34,8 @@ public:
     // Asks "Are you sure?"; on Yes the game's folder becomes empty.
     void clearGameFolder(Game game);
 
-    QLabel *lblOptions;
-    PictureButton *picClose;
+    QLabel *lblOptions = titleLabel();
+    PictureButton *picClose = closeButton();
     QCheckBox *chkAutoStart;
     QCheckBox *chkAutoLogIn;
     QCheckBox *chkSound;
@@ -55,13 +54,15 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
+    // Saves the settings, then hides the window.
+    void closeClicked() override;
 
 private:
     QCheckBox *addCheckBox(const char *name, const QString &caption, const QString &toolTip,
                            int top);
+    QLineEdit *addFolderField(const char *name, int top);
+    QToolButton *addDeleteButton(const char *name, int top);
     void bindToOptions();
-    void closeAndSave();
 
     Options &m_options;
     OptionsStore &m_store;

@@ -7,8 +7,8 @@
 #include "client/session/clock.h"
 #include "client/session/sessionstate.h"
 #include "client/session/tickcount.h"
+#include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
-#include "client/ui/plainwindow.h"
 #include "support/clientfakes.h"
 
 #include <QDir>
@@ -78,10 +78,10 @@ private Q_SLOTS:
         ClientApplication app(services(), ServerAddresses{});
         AppWindows &windows = app.windows();
         QVERIFY(!windows.isRoomLoaded());
-        PlainWindow *room = windows.frmRoom();
+        BorderlessWindow *room = windows.frmRoom();
         QVERIFY(windows.isRoomLoaded());
         QCOMPARE(windows.frmRoom(), room);
-        QPointer<PlainWindow> old(room);
+        QPointer<BorderlessWindow> old(room);
         windows.unloadAll();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(old.isNull());
@@ -96,7 +96,7 @@ private Q_SLOTS:
         FrmLogIn *window = app.windows().frmLogIn();
         window->txtName->setText(QStringLiteral("typed"));
         // Closing without Login forgets what was typed.
-        window->close();
+        QTest::mouseClick(window->Picture2, Qt::LeftButton);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!app.windows().isLoginLoaded());
         QVERIFY(app.windows().frmLogIn()->txtName->text().isEmpty());
