@@ -1,6 +1,7 @@
 #include "server/announcements.h"
 
-#include "protocol/message.h"
+#include "protocol/presence.h"
+#include "protocol/rooms.h"
 #include "server/roomregistry.h"
 #include "server/session.h"
 
@@ -18,21 +19,26 @@ QString emailHash(const QString &email, const QString &name)
 
 QByteArray playerAnnouncement(const Player &player, bool buddyOfReceiver)
 {
-    const bool playing = player.presence == QLatin1String("2");
-    return protocol::buildMessage(
-        protocol::Code::AddPlayer,
-        {player.name, QString::number(player.accountId), player.presence,
-         playing ? player.gameAddress : QString(),
-         buddyOfReceiver ? QStringLiteral("1") : QStringLiteral("0"),
-         player.moderator ? QStringLiteral("True") : QStringLiteral("False"), player.emailHash});
+    const bool playing = player.presence == protocol::Presence::Playing;
+    return protocol::AddPlayer{.name = player.name,
+                               .id = player.accountId,
+                               .presence = player.presence,
+                               .gameAddress = playing ? player.gameAddress : QString(),
+                               .buddy = buddyOfReceiver,
+                               .highlighted = player.moderator,
+                               .emailHash = player.emailHash}
+        .encode();
 }
 
 QByteArray roomAnnouncement(const Room &room)
 {
-    return protocol::buildMessage(
-        protocol::Code::AddRoom,
-        {room.hostName, room.name, room.address, room.status, QString::number(room.members.size()),
-         room.password.isEmpty() ? QStringLiteral("0") : QStringLiteral("1")});
+    return protocol::AddRoomToClient{.host = room.hostName,
+                                     .roomName = room.name,
+                                     .hostAddress = room.address,
+                                     .status = protocol::roomStatusText(room.status),
+                                     .playerCount = QString::number(room.members.size()),
+                                     .locked = !room.password.isEmpty()}
+        .encode();
 }
 
 QString relayText(QString text, qsizetype maxBytes)

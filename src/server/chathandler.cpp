@@ -1,5 +1,6 @@
 #include "server/chathandler.h"
 
+#include "protocol/chat.h"
 #include "server/announcements.h"
 #include "server/clock.h"
 #include "server/diagnosticstore.h"
@@ -12,8 +13,7 @@
 
 namespace server {
 
-using protocol::Code;
-using protocol::Message;
+using namespace protocol;
 
 ChatHandler::ChatHandler(Lobby &lobby, DiagnosticStore &diagnostics, const Clock &clock)
     : m_lobby(lobby), m_diagnostics(diagnostics), m_clock(clock)
@@ -22,32 +22,33 @@ ChatHandler::ChatHandler(Lobby &lobby, DiagnosticStore &diagnostics, const Clock
 
 void ChatHandler::registerWith(MessageRouter &router)
 {
-    router.setHandler(Code::ChatLine, [this](Session &sender, const Message &message) {
+    router.on<ChatLineToServer>([this](Session &sender, const ChatLineToServer &line) {
         Player &player = sender.player();
         if (!player.chatLimit.tryAcquire(m_clock.nowMs()))
             return;
-        m_lobby.broadcast(
-            protocol::buildMessage(Code::ChatLine, {player.name, QString::number(player.chatColour),
-                                                    relayText(message.field(0), kMaxChatBytes)}));
+        m_lobby.broadcast(ChatLineToClient{.name = player.name,
+                                           .colour = quint32(player.chatColour),
+                                           .text = relayText(line.text, kMaxChatBytes)}
+                              .encode());
     });
 
-    router.setHandler(Code::PrivateMessage, [this](Session &sender, const Message &message) {
+    router.on<PrivateMessageToServer>([this](Session &sender,
+                                             const PrivateMessageToServer &message) {
         Player &player = sender.player();
         if (!player.chatLimit.tryAcquire(m_clock.nowMs()))
             return;
-        const QString recipient = message.field(0);
-        const QString text = relayText(message.field(1), message.field(1).size());
-        if (recipient == kServiceAccountName) {
+        const QString text = relayText(message.text, message.text.size());
+        if (message.recipient == kServiceAccountName) {
             m_diagnostics.add(player.accountId, text, QDateTime::currentDateTimeUtc());
             return;
         }
-        const Session *target = m_lobby.findByName(recipient);
+        const Session *target = m_lobby.findByName(message.recipient);
         if (!target)
             return;
         target->send(
-            protocol::buildMessage(Code::PrivateMessage, {player.name, text, QStringLiteral("0")}));
-        sender.send(
-            protocol::buildMessage(Code::PrivateMessage, {recipient, text, QStringLiteral("1")}));
+            PrivateMessageToClient{.partner = player.name, .text = text, .echo = false}.encode());
+        sender.send(PrivateMessageToClient{.partner = message.recipient, .text = text, .echo = true}
+                        .encode());
     });
 }
 

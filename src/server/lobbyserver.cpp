@@ -1,14 +1,13 @@
 #include "server/lobbyserver.h"
 
-#include "protocol/message.h"
+#include "protocol/login.h"
+#include "protocol/presence.h"
 #include "server/connection.h"
 #include "server/session.h"
 
 #include <QTcpSocket>
 
 namespace server {
-
-using protocol::Code;
 
 LobbyServer::LobbyServer(const LobbyConfig &config, AccountStore &accounts, BuddyStore &buddies,
                          DiagnosticStore &diagnostics, PasswordWorker &passwords,
@@ -65,10 +64,13 @@ void LobbyServer::dispatch(Session &session, const protocol::Message &message)
     switch (session.stage()) {
     case Session::Stage::New:
     case Session::Stage::Versioned:
-        if (message.code == Code::Version)
-            m_login.handleVersion(session, message);
-        else if (message.code == Code::Login)
-            m_login.handleLogin(session, message);
+        if (message.code == protocol::Version::kCode) {
+            if (const auto version = protocol::Version::decode(message))
+                m_login.handleVersion(session, *version);
+        } else if (message.code == protocol::Login::kCode) {
+            if (const auto login = protocol::Login::decode(message))
+                m_login.handleLogin(session, *login);
+        }
         return;
     case Session::Stage::LoggedIn:
         m_router.route(session, message);
@@ -88,7 +90,7 @@ void LobbyServer::endSession(Session &session)
     if (wasLoggedIn) {
         m_lobby.remove(&session);
         m_roomHandler.leaveOnDeparture(session);
-        m_lobby.broadcast(protocol::buildMessage(Code::RemovePlayer, {session.player().name}));
+        m_lobby.broadcast(protocol::RemovePlayer{session.player().name}.encode());
     }
     session.connection().closeAfterFlush();
 }

@@ -17,8 +17,6 @@
 
 namespace server {
 
-using protocol::Code;
-
 LoginHandler::LoginHandler(const LobbyConfig &config, Lobby &lobby, const RoomRegistry &rooms,
                            AccountStore &accounts, BuddyStore &buddies, PasswordWorker &passwords,
                            LoginThrottle &throttle, std::function<void(Session &)> endSession)
@@ -40,26 +38,26 @@ bool LoginHandler::isRegistrableName(const QString &name)
     return true;
 }
 
-void LoginHandler::handleVersion(Session &session, const protocol::Message &message)
+void LoginHandler::handleVersion(Session &session, const protocol::Version &version)
 {
     if (session.stage() != Session::Stage::New)
         return;
-    if (m_config.versions.contains(message.field(0))) {
+    if (m_config.versions.contains(version.version)) {
         session.setStage(Session::Stage::Versioned);
-        session.send(protocol::buildMessage(Code::SendLogin));
+        session.send(protocol::SendLogin{}.encode());
         return;
     }
-    session.send(protocol::buildMessage(Code::OldVersion));
+    session.send(protocol::OldVersion{}.encode());
     m_endSession(session);
 }
 
-void LoginHandler::handleLogin(Session &session, const protocol::Message &message)
+void LoginHandler::handleLogin(Session &session, const protocol::Login &login)
 {
     if (session.stage() != Session::Stage::Versioned || session.loginPending())
         return;
     session.setLoginPending(true);
-    const QString name = message.field(0);
-    const QString password = message.field(1);
+    const QString name = login.name;
+    const QString password = login.password;
     const qint64 delay = m_throttle.delayFor(session.connection().peerAddress());
     if (delay <= 0) {
         checkLogin(session, name, password);
@@ -111,7 +109,7 @@ void LoginHandler::refuse(Session &session)
 {
     session.setLoginPending(false);
     m_throttle.recordFailure(session.connection().peerAddress());
-    session.send(protocol::buildMessage(Code::LoginFailed));
+    session.send(protocol::LoginFailed{}.encode());
 }
 
 void LoginHandler::admit(Session &session, const Account &account)
@@ -134,7 +132,8 @@ void LoginHandler::admit(Session &session, const Account &account)
     m_lobby.add(&session);
 
     QByteArray welcome =
-        protocol::buildMessage(Code::LoginAccepted, {QString::number(account.id), account.name});
+        protocol::LoginAccepted{.statsId = QString::number(account.id), .name = account.name}
+            .encode();
     for (const Session *other : m_lobby.sessions()) {
         const Player &p = other->player();
         welcome += playerAnnouncement(p, player.buddies.contains(p.accountId));

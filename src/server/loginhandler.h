@@ -1,6 +1,6 @@
 #pragma once
 
-#include "protocol/message.h"
+#include "protocol/login.h"
 
 #include <functional>
 
@@ -27,8 +27,8 @@ public:
                  AccountStore &accounts, BuddyStore &buddies, PasswordWorker &passwords,
                  LoginThrottle &throttle, std::function<void(Session &)> endSession);
 
-    void handleVersion(Session &session, const protocol::Message &message);
-    void handleLogin(Session &session, const protocol::Message &message);
+    void handleVersion(Session &session, const protocol::Version &version);
+    void handleLogin(Session &session, const protocol::Login &login);
 
     // Names that open registration accepts: 1 to kMaxNameLength characters, no control
     // characters, no blanks at either end, not the service account's name.

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "protocol/codes.h"
+#include "protocol/decoded.h"
 #include "protocol/message.h"
 
 #include <QHash>
 #include <functional>
+#include <utility>
 
 namespace server {
 
@@ -19,6 +21,19 @@ public:
     using Handler = std::function<void(Session &, const protocol::Message &)>;
 
     void setHandler(protocol::Code code, Handler handler);
+
+    // Registers `handler(Session &, const T &)` for the message struct T. A message that does
+    // not decode as T is dropped: a client cannot make the server act on a field it could
+    // not read.
+    template <typename T, typename F> void on(F handler)
+    {
+        setHandler(T::kCode, [handler = std::move(handler)](Session &session,
+                                                            const protocol::Message &message) {
+            if (const protocol::Decoded<T> decoded = T::decode(message))
+                handler(session, *decoded);
+        });
+    }
+
     // False when nobody handles the code.
     bool route(Session &session, const protocol::Message &message) const;
 

@@ -1,5 +1,6 @@
 #include "server/presencehandler.h"
 
+#include "protocol/presence.h"
 #include "server/accountstore.h"
 #include "server/buddystore.h"
 #include "server/connection.h"
@@ -7,19 +8,16 @@
 #include "server/messagerouter.h"
 #include "server/session.h"
 
+#include <climits>
 #include <optional>
 
 namespace server {
 
-using protocol::Code;
-using protocol::Message;
-
 namespace {
-std::optional<int> accountIdField(const QString &text)
+// Account ids are positive ints; any other number names no account.
+std::optional<int> accountId(qint64 id)
 {
-    bool ok = false;
-    const int id = text.toInt(&ok);
-    return ok && id > 0 ? std::optional<int>(id) : std::nullopt;
+    return id > 0 && id <= INT_MAX ? std::optional<int>(int(id)) : std::nullopt;
 }
 } // namespace
 
@@ -30,24 +28,22 @@ PresenceHandler::PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStor
 
 void PresenceHandler::registerWith(MessageRouter &router)
 {
-    router.setHandler(Code::PlayerStatus, [this](Session &sender, const Message &message) {
-        const QString state = message.field(0);
-        if (state != QLatin1String("1") && state != QLatin1String("2") &&
-            state != QLatin1String("3"))
-            return;
-        QString address = message.field(1);
-        // The client cannot know how others reach it; the server sees its address.
-        if (address == QLatin1String("host"))
-            address = sender.connection().peerAddress();
-        Player &player = sender.player();
-        player.presence = state;
-        player.gameAddress = address;
-        m_lobby.broadcast(
-            protocol::buildMessage(Code::PlayerStatus, {player.name, state, address}));
-    });
+    router.on<protocol::PlayerStatusToServer>(
+        [this](Session &sender, const protocol::PlayerStatusToServer &status) {
+            QString address = status.gameAddress;
+            // The client cannot know how others reach it; the server sees its address.
+            if (address == QLatin1String("host"))
+                address = sender.connection().peerAddress();
+            Player &player = sender.player();
+            player.presence = status.presence;
+            player.gameAddress = address;
+            m_lobby.broadcast(protocol::PlayerStatusToClient{
+                .name = player.name, .presence = status.presence, .gameAddress = address}
+                                  .encode());
+        });
 
-    router.setHandler(Code::BuddyAdd, [this](Session &sender, const Message &message) {
-        const std::optional<int> id = accountIdField(message.field(0));
+    router.on<protocol::BuddyAdd>([this](Session &sender, const protocol::BuddyAdd &add) {
+        const std::optional<int> id = accountId(add.id);
         Player &player = sender.player();
         if (!id || *id == player.accountId || player.buddies.contains(*id))
             return;
@@ -57,8 +53,8 @@ void PresenceHandler::registerWith(MessageRouter &router)
             player.buddies.insert(*id);
     });
 
-    router.setHandler(Code::BuddyRemove, [this](Session &sender, const Message &message) {
-        const std::optional<int> id = accountIdField(message.field(0));
+    router.on<protocol::BuddyRemove>([this](Session &sender, const protocol::BuddyRemove &remove) {
+        const std::optional<int> id = accountId(remove.id);
         Player &player = sender.player();
         if (!id)
             return;

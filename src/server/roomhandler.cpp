@@ -1,5 +1,6 @@
 #include "server/roomhandler.h"
 
+#include "protocol/rooms.h"
 #include "server/announcements.h"
 #include "server/connection.h"
 #include "server/lobby.h"
@@ -9,8 +10,7 @@
 
 namespace server {
 
-using protocol::Code;
-using protocol::Message;
+using namespace protocol;
 
 namespace {
 void sendToMembers(const Room &room, const QByteArray &bytes, const Session *except = nullptr)
@@ -23,8 +23,8 @@ void sendToMembers(const Room &room, const QByteArray &bytes, const Session *exc
 
 QByteArray memberCount(const Room &room)
 {
-    return protocol::buildMessage(Code::RoomCount,
-                                  {room.hostName, QString::number(room.members.size())});
+    return RoomCount{.host = room.hostName, .playerCount = QString::number(room.members.size())}
+        .encode();
 }
 } // namespace
 
@@ -32,84 +32,77 @@ RoomHandler::RoomHandler(Lobby &lobby, RoomRegistry &rooms) : m_lobby(lobby), m_
 
 void RoomHandler::registerWith(MessageRouter &router)
 {
-    router.setHandler(Code::AddRoom, [this](Session &host, const Message &message) {
+    router.on<AddRoomToServer>([this](Session &host, const AddRoomToServer &add) {
         if (m_rooms.roomOf(&host))
             return;
-        const Room &room =
-            m_rooms.create(&host, relayText(message.field(0), message.field(0).size()),
-                           host.connection().peerAddress());
+        const Room &room = m_rooms.create(&host, relayText(add.roomName, add.roomName.size()),
+                                          host.connection().peerAddress());
         m_lobby.broadcast(roomAnnouncement(room));
     });
 
-    router.setHandler(Code::JoinRoom, [this](Session &joiner, const Message &message) {
+    router.on<JoinRoom>([this](Session &joiner, const JoinRoom &join) {
         if (m_rooms.roomOf(&joiner))
             return;
-        Room *room = m_rooms.findByHost(message.field(0));
+        Room *room = m_rooms.findByHost(join.host);
         if (!room)
             return;
-        if (!room->password.isEmpty() && room->password != message.field(1)) {
-            joiner.send(protocol::buildMessage(Code::WrongPassword));
+        if (!room->password.isEmpty() && room->password != join.password) {
+            joiner.send(WrongPassword{}.encode());
             return;
         }
         m_rooms.addMember(*room, &joiner);
         QByteArray roster;
         for (const RoomMember &m : room->members)
-            roster +=
-                protocol::buildMessage(Code::MemberJoined, {m.session->player().name, m.ready});
+            roster += MemberJoined{.name = m.session->player().name, .state = m.ready}.encode();
         joiner.send(roster);
         sendToMembers(
             *room,
-            protocol::buildMessage(Code::MemberJoined, {joiner.player().name, QStringLiteral("1")}),
+            MemberJoined{.name = joiner.player().name, .state = ReadyState::NotReady}.encode(),
             &joiner);
         m_lobby.broadcast(memberCount(*room));
     });
 
-    router.setHandler(Code::LeaveRoom,
-                      [this](Session &member, const Message &) { leaveRoom(member); });
+    router.on<LeaveRoom>([this](Session &member, const LeaveRoom &) { leaveRoom(member); });
 
-    router.setHandler(Code::RemoveRoom,
-                      [this](Session &host, const Message &) { closeRoom(host); });
+    router.on<RemoveRoomToServer>(
+        [this](Session &host, const RemoveRoomToServer &) { closeRoom(host); });
 
-    router.setHandler(Code::MemberReady, [this](Session &member, const Message &message) {
-        const QString state = message.field(0);
-        if (state != QLatin1String("1") && state != QLatin1String("2"))
-            return;
+    router.on<MemberReadyToServer>([this](Session &member, const MemberReadyToServer &ready) {
         Room *room = m_rooms.roomOf(&member);
         if (!room)
             return;
-        room->member(&member)->ready = state;
-        sendToMembers(*room,
-                      protocol::buildMessage(Code::MemberReady, {member.player().name, state}));
+        room->member(&member)->ready = ready.state;
+        sendToMembers(
+            *room,
+            MemberReadyToClient{.name = member.player().name, .state = ready.state}.encode());
     });
 
-    router.setHandler(Code::RoomChat, [this](Session &member, const Message &message) {
+    router.on<RoomChat>([this](Session &member, const RoomChat &chat) {
         const Room *room = m_rooms.roomOf(&member);
         if (!room)
             return;
-        sendToMembers(*room, protocol::buildMessage(
-                                 Code::RoomChat, {member.player().name + QStringLiteral(": ") +
-                                                  relayText(message.field(0), kMaxRoomChatBytes)}));
+        sendToMembers(*room, RoomChat{member.player().name + QStringLiteral(": ") +
+                                      relayText(chat.text, kMaxRoomChatBytes)}
+                                 .encode());
     });
 
-    router.setHandler(Code::RoomStatus, [this](Session &host, const Message &message) {
-        const QString status = message.field(0);
-        if (status != QLatin1String("In chat") && status != QLatin1String("In game"))
-            return;
+    router.on<RoomStatusToServer>([this](Session &host, const RoomStatusToServer &status) {
         Room *room = m_rooms.roomOf(&host);
         if (!room || room->host != &host)
             return;
-        room->status = status;
-        m_lobby.broadcast(protocol::buildMessage(Code::RoomStatus, {room->hostName, status}));
+        room->status = status.status;
+        m_lobby.broadcast(
+            RoomStatusToClient{.host = room->hostName, .status = roomStatusText(status.status)}
+                .encode());
     });
 
-    router.setHandler(Code::LockRoom, [this](Session &host, const Message &message) {
+    router.on<LockRoomToServer>([this](Session &host, const LockRoomToServer &lock) {
         Room *room = m_rooms.roomOf(&host);
         if (!room || room->host != &host)
             return;
-        room->password = message.field(0);
-        m_lobby.broadcast(protocol::buildMessage(
-            Code::LockRoom, {room->hostName, room->password.isEmpty() ? QStringLiteral("0")
-                                                                      : QStringLiteral("1")}));
+        room->password = lock.password;
+        m_lobby.broadcast(
+            LockRoomToClient{.host = room->hostName, .locked = !room->password.isEmpty()}.encode());
     });
 }
 
@@ -129,9 +122,9 @@ void RoomHandler::closeRoom(Session &host)
     const Room *room = m_rooms.roomOf(&host);
     if (!room || room->host != &host)
         return;
-    const bool inGame = room->status == QLatin1String("In game");
-    m_lobby.broadcast(protocol::buildMessage(
-        Code::RemoveRoom, {room->hostName, inGame ? QStringLiteral("1") : QStringLiteral("0")}));
+    m_lobby.broadcast(
+        RemoveRoomToClient{.host = room->hostName, .inGame = room->status == RoomStatus::InGame}
+            .encode());
     m_rooms.close(*room);
 }
 
@@ -141,7 +134,7 @@ void RoomHandler::leaveRoom(Session &member)
     if (!room || room->host == &member)
         return;
     m_rooms.removeMember(*room, &member);
-    sendToMembers(*room, protocol::buildMessage(Code::MemberLeft, {member.player().name}));
+    sendToMembers(*room, MemberLeft{member.player().name}.encode());
     m_lobby.broadcast(memberCount(*room));
 }
 

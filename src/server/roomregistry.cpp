@@ -22,8 +22,7 @@ Room &RoomRegistry::create(Session *host, const QString &name, const QString &ad
     room->hostName = host->player().name;
     room->name = name;
     room->address = address;
-    room->status = QStringLiteral("In chat");
-    room->members.append({host, QStringLiteral("1")});
+    room->members.append({host, protocol::ReadyState::NotReady});
     m_rooms.push_back(std::move(room));
     return *m_rooms.back();
 }
@@ -48,7 +47,7 @@ Room *RoomRegistry::roomOf(const Session *session) const
 
 void RoomRegistry::addMember(Room &room, Session *session)
 {
-    room.members.append({session, QStringLiteral("1")});
+    room.members.append({session, protocol::ReadyState::NotReady});
 }
 
 void RoomRegistry::removeMember(Room &room, const Session *session)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/rooms.h"
+
 #include <QList>
 #include <QString>
 #include <memory>
@@ -12,7 +14,7 @@ class Session;
 struct RoomMember
 {
     Session *session;
-    QString ready; // "1" not ready, "2" ready
+    protocol::ReadyState ready = protocol::ReadyState::NotReady;
 };
 
 // A room is keyed by its host's name; the host is its first member.
@@ -22,7 +24,7 @@ struct Room
     QString hostName;
     QString name;
     QString address;
-    QString status;   // "In chat" or "In game"
+    protocol::RoomStatus status = protocol::RoomStatus::InChat;
     QString password; // empty: open
     QList<RoomMember> members;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "protocol/presence.h"
 #include "server/ratelimiter.h"
 
 #include <QObject>
@@ -20,8 +21,8 @@ struct Player
     int chatColour = 0;
     QString emailHash;
     QSet<int> buddies; // account ids this player marked as buddies
-    QString presence = QStringLiteral("3");
-    QString gameAddress;
+    protocol::Presence presence = protocol::Presence::Lobby;
+    QString gameAddress;   // as last reported, whatever the presence
     RateLimiter chatLimit; // shared by lobby chat and private messages
 };
 

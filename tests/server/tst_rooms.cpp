@@ -182,7 +182,7 @@ void TestRooms::roomMessages()
     if (heardBy.isEmpty()) {
         const server::Room &room = *m_lobby->server->rooms().rooms().front();
         QCOMPARE(room.members.size(), 2);
-        QCOMPARE(room.status, QStringLiteral("In chat"));
+        QCOMPARE(room.status, protocol::RoomStatus::InChat);
         QVERIFY(room.password.isEmpty());
     }
 }

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+#include <optional>
+
+namespace protocol {
+
+// Numbers travel as decimal text, and every number field on either side is read with these
+// two functions.
+//
+// A number is what QString::toDouble accepts in the C locale: optional white space around
+// it, an optional sign, decimal digits with an optional fraction ("5.", ".5", "5.25") and an
+// optional exponent ("1e3"). Not numbers: the empty text, a blank text, group separators
+// ("1,000"), hexadecimal ("0x10"), "inf", "nan", and values a double cannot hold ("1e400",
+// "1e-400").
+std::optional<double> readNumber(QStringView text);
+
+// A number rounded down to a whole one ("12.9" is 12, "-1.5" is -2); nullopt for a text
+// that is not a number or a value outside the range of qint64.
+std::optional<qint64> readWholeNumber(QStringView text);
+
+} // namespace protocol
