@@ -72,6 +72,9 @@ int main(int argc, char *argv[])
     ClientApplication client({&tray, &sounds, &clock, &ticks, &registry, &dialogs,
                               LinuxRegistry::defaultWinePrefix(), dataFolder},
                              servers);
+    // Queued, so that the shut-down's deferred window deletions run before the loop ends.
+    QObject::connect(&client, &ClientApplication::shutDownFinished, &app, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
     if (!client.start())
         return 1;
     if (changed)

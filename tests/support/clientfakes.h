@@ -31,7 +31,9 @@ public:
     }
     void remove() override { shown = false; }
     bool isShown() const override { return shown; }
-    void doubleClick() { Q_EMIT doubleClicked(); }
+    // A click on the icon (or "Show" in its menu), and "Quit" in its menu.
+    void activate() { Q_EMIT showRequested(); }
+    void chooseQuit() { Q_EMIT quitRequested(); }
 };
 
 class RecordingPlayer final : public client::SoundPlayer

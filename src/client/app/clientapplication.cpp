@@ -25,7 +25,6 @@
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/playerlistview.h"
-#include "client/presence/presence.h"
 #include "client/rooms/roomlisthandlers.h"
 #include "client/rooms/roomlistmodel.h"
 #include "client/rooms/roomlistview.h"
@@ -36,6 +35,7 @@
 #include "client/ui/picturebutton.h"
 
 #include <QDir>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTextBrowser>
@@ -150,13 +150,8 @@ void ClientApplication::buildWindows()
 
 void ClientApplication::buildTray()
 {
-    TrayController::Hooks hooks;
-    hooks.sendPresence = [this](const QString &status) {
-        sendPresence(*m_connection,
-                     status == QLatin1String("1") ? Presence::Away : Presence::Lobby);
-    };
-    m_tray = new TrayController(*m_services.tray, *m_form, *m_session, *m_connection,
-                                std::move(hooks), this);
+    m_tray =
+        new TrayController(*m_services.tray, *m_form, *m_session, *m_connection, *m_chat, this);
 }
 
 void ClientApplication::buildLogin()
@@ -214,6 +209,9 @@ bool ClientApplication::start()
                                        Dialogs::Buttons::Ok, Dialogs::Icon::Critical);
         return false;
     }
+    // The program ends through its shut-down only: with the main window hidden to the tray,
+    // closing some other window must not end it.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
     m_form->showAtNormalSize();
     m_session->lobbyServerHost = m_servers.lobby.host;
     m_session->lobbyPort = m_servers.lobby.port;

@@ -77,7 +77,7 @@ public:
     GameServerQuery *gameQuery() { return m_gameQuery; }
 
 Q_SIGNALS:
-    // The shut-down ran; the program ends when the event loop has destroyed the windows.
+    // The shut-down ran; the program's event loop ends on it.
     void shutDownFinished();
 
 private:

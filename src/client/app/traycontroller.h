@@ -1,35 +1,31 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
 
 namespace client {
 
 class Form1;
+class LobbyChat;
 class LobbyConnection;
 class SessionState;
 class TrayService;
 
-// The notification-area icon and hiding to it. A double-click on the icon shows the main
-// window at its normal size (and the room window when it was hidden with it) and, while
-// connected and not in a game, tells the lobby the player is back ("3"). Hiding tells the
-// lobby the player is away ("1") under the same condition, then hides the window; without a
-// notification area the window is minimised instead, so it can always be found again.
+// The notification-area icon and hiding to it. Hiding tells the lobby the player is away
+// ("1") while connected and not in a game, then hides the main window. A click on the icon
+// (or "Show" in its menu) shows the window at its normal size, raises `restored` (the room
+// window comes back with it) and, under the same condition, tells the lobby the player is back
+// ("3"); "Quit" in its menu closes the main window, which runs the shut-down.
+//
+// Without a notification area the window is minimised instead, so it can always be found
+// again; the user is told so once in the lobby chat, and restoring that window from the
+// taskbar counts as coming back from the tray.
 class TrayController : public QObject
 {
     Q_OBJECT
 
 public:
-    struct Hooks
-    {
-        // Sends the player's presence status ("1" away, "3" in the lobby).
-        std::function<void(const QString &status)> sendPresence;
-        // Shows the room window again when it was hidden with the main window.
-        std::function<void()> restoreRoomWindow;
-    };
-
     TrayController(TrayService &tray, Form1 &form, SessionState &session,
-                   LobbyConnection &connection, Hooks hooks, QObject *parent = nullptr);
+                   LobbyConnection &connection, LobbyChat &chat, QObject *parent = nullptr);
 
     // Adds the icon with the window's icon and the tip "Logged out".
     void addIcon();
@@ -37,12 +33,24 @@ public:
     void hideToTray();
     void restoreFromTray();
 
+Q_SIGNALS:
+    // The main window came back from the tray.
+    void restored();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    void cameBack();
+    bool presenceWanted() const;
+
     TrayService &m_tray;
     Form1 &m_form;
     SessionState &m_session;
     LobbyConnection &m_connection;
-    Hooks m_hooks;
+    LobbyChat &m_chat;
+    bool m_minimisedInstead = false; // hidden to the taskbar for want of a tray
+    bool m_toldNoTray = false;
 };
 
 } // namespace client

@@ -1,7 +1,7 @@
 #include "client/options/settingsfile.h"
 
-#include "client/session/blanks.h"
 #include "client/options/options.h"
+#include "client/session/blanks.h"
 #include "protocol/cp1252.h"
 
 #include <QFile>
@@ -87,7 +87,11 @@ QByteArray format(const Options &options)
         options.pathRS(),
         options.pathBlackOps(),
     };
-    return (lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")).toUtf8();
+    const QString text = lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n");
+    // A folder that code page 1252 cannot hold would lose its name to '?'; it is kept whole as
+    // UTF-8, which the reader takes as well.
+    const QByteArray cp1252 = protocol::toCp1252(text);
+    return protocol::fromCp1252(cp1252) == text ? cp1252 : text.toUtf8();
 }
 
 bool write(const QString &path, const Options &options)

@@ -12,8 +12,9 @@ class Options;
 // virtual-key code (or empty), the Rogue Spear folder, the Black Ops folder.
 //
 // Reading is tolerant: a missing or unreadable line is skipped and its setting keeps its
-// value; the lines after it are still read. Text is UTF-8, or Windows code page 1252 when it
-// is not valid UTF-8 (files written on Windows).
+// value; the lines after it are still read. Text is read as UTF-8, or as Windows code page
+// 1252 when it is not valid UTF-8. It is written in 1252, as on Windows, unless a folder
+// name needs characters 1252 does not have; then the file is UTF-8.
 namespace SettingsFile {
 
 inline QString fileName()

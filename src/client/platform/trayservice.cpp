@@ -1,17 +1,31 @@
 #include "client/platform/trayservice.h"
 
+#include <QMenu>
 #include <QSystemTrayIcon>
 
 namespace client {
 
 SystemTrayService::SystemTrayService(QObject *parent)
-    : TrayService(parent), m_icon(new QSystemTrayIcon(this))
+    : TrayService(parent), m_menu(std::make_unique<QMenu>()), m_icon(new QSystemTrayIcon(this))
 {
+    connect(m_menu->addAction(tr("Show")), &QAction::triggered, this, &TrayService::showRequested);
+    connect(m_menu->addAction(tr("Quit")), &QAction::triggered, this, &TrayService::quitRequested);
+    m_icon->setContextMenu(m_menu.get());
+
     connect(m_icon, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::DoubleClick)
-                    Q_EMIT doubleClicked();
+                const bool click = reason == QSystemTrayIcon::Trigger;
+                const bool doubleClick = reason == QSystemTrayIcon::DoubleClick;
+                const bool firstClickSeen = m_lastWasClick;
+                m_lastWasClick = click;
+                if (click || (doubleClick && !firstClickSeen))
+                    Q_EMIT showRequested();
             });
+}
+
+SystemTrayService::~SystemTrayService()
+{
+    delete m_icon; // before the menu it shows
 }
 
 bool SystemTrayService::isAvailable() const

@@ -3,12 +3,15 @@
 #include <QIcon>
 #include <QObject>
 #include <QString>
+#include <memory>
 
+class QMenu;
 class QSystemTrayIcon;
 
 namespace client {
 
-// The icon in the notification area. Only a double-click on it is acted on.
+// The icon in the notification area. A click or a double-click on it, or "Show" in its
+// menu, asks for the main window back; "Quit" in its menu asks to end the program.
 class TrayService : public QObject
 {
     Q_OBJECT
@@ -25,16 +28,21 @@ public:
     virtual bool isShown() const = 0;
 
 Q_SIGNALS:
-    void doubleClicked();
+    void showRequested();
+    void quitRequested();
 };
 
-// The tray icon of the desktop, through QSystemTrayIcon.
+// The tray icon of the desktop, through QSystemTrayIcon. Desktops with the D-Bus tray (KDE
+// Plasma, GNOME's AppIndicator) report only single activations, so a click shows the window
+// too; where a double-click is reported as well, its first click already did, and one
+// double-click shows the window once.
 class SystemTrayService final : public TrayService
 {
     Q_OBJECT
 
 public:
     explicit SystemTrayService(QObject *parent = nullptr);
+    ~SystemTrayService() override;
 
     bool isAvailable() const override;
     void add(const QIcon &icon, const QString &tip) override;
@@ -43,7 +51,9 @@ public:
     bool isShown() const override;
 
 private:
+    std::unique_ptr<QMenu> m_menu; // a widget, so not a child of this object
     QSystemTrayIcon *m_icon;
+    bool m_lastWasClick = false;
 };
 
 } // namespace client

@@ -17,6 +17,7 @@
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
+#include <QTimer>
 
 using namespace client;
 
@@ -130,6 +131,26 @@ private Q_SLOTS:
         QVERIFY2(pager.isNull(), "the pager is destroyed, not hidden");
         QVERIFY(!m_tray.shown);
         QVERIFY(!app->form().isVisible());
+    }
+
+    // Hidden to the tray, the program ends through its shut-down only: closing the last other
+    // window leaves it running, and Quit in the tray's menu runs the shut-down.
+    void hiddenToTrayEndsOnlyThroughTheShutDown()
+    {
+        ClientApplication app(services(), ServerAddresses{});
+        QVERIFY(app.start());
+        QTest::mouseClick(app.form().Picture4, Qt::LeftButton);
+        QVERIFY(!app.form().isVisible());
+        QWidget *menu = app.windows().frmMenu();
+        menu->show();
+        connect(&app, &ClientApplication::shutDownFinished, this,
+                [] { QCoreApplication::exit(1); });
+        QTimer::singleShot(0, menu, &QWidget::close);
+        QTimer::singleShot(100, &m_tray, &FakeTray::chooseQuit);
+        QTimer::singleShot(5000, &app, [] { QCoreApplication::exit(2); });
+        QCOMPARE(QCoreApplication::exec(), 1);
+        QVERIFY(app.session().exitPager);
+        QVERIFY(!m_tray.shown);
     }
 };
 

@@ -59,7 +59,7 @@ private Q_SLOTS:
                  className);
     }
 
-    void startsAsSpecified()
+    void initialSizeTextsTagsAndTimers()
     {
         Form1 form;
         QCOMPARE(form.size(), QSize(800, 600));

@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -110,7 +111,7 @@ private Q_SLOTS:
     void editingThenClosing()
     {
         m_options->setAutoLogIn(true);
-        m_options->setPathRS(QString::fromUtf8("/games/Rogue Spëar"));
+        m_options->setPathRS(QString::fromUtf8("/games/Rogue Spéar"));
         FrmOptions &w = openWindow();
         QVERIFY(w.chkAutoLogIn->isChecked());
         QCOMPARE(w.txtPathRS->text(), m_options->pathRS());
@@ -146,8 +147,49 @@ private Q_SLOTS:
         QVERIFY(w.isHidden());
         QFile file(settingsPath());
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("0\r\n0\r\n1\r\n1\r\n16\r\n/games/Rogue Sp\xc3\xab"
+        // Code page 1252, as on Windows: "é" is one byte.
+        QCOMPARE(file.readAll(), QByteArray("0\r\n0\r\n1\r\n1\r\n16\r\n/games/Rogue Sp\xe9"
                                             "ar\r\n/bo\r\n"));
+    }
+
+    // The key's place counts, not what the layout prints on it; without a keycode (offscreen),
+    // what the key means.
+    void hotKeyByPhysicalKey_data()
+    {
+        QTest::addColumn<int>("qtKey");
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<int>("keycode");
+        QTest::addColumn<QString>("tag");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("AZERTY top-row 1, prints &") << int(Qt::Key_Ampersand) << false << 10 << "49"
+                                                    << "1";
+        QTest::newRow("AZERTY top-row 1 with Shift") << int(Qt::Key_1) << true << 10 << "49"
+                                                     << "1";
+        QTest::newRow("AZERTY top-row 0, prints à") << int(Qt::Key_Agrave) << false << 19 << "48"
+                                                    << "0";
+        QTest::newRow("QWERTZ Z, where US has Y") << int(Qt::Key_Z) << false << 29 << "89"
+                                                  << "Y";
+        QTest::newRow("F12") << int(Qt::Key_F12) << false << 96 << "123"
+                             << "F12";
+        QTest::newRow("Shift, by its meaning") << int(Qt::Key_Shift) << true << 50 << "16"
+                                               << "";
+        QTest::newRow("no keycode") << int(Qt::Key_7) << false << 0 << "55"
+                                    << "7";
+    }
+    void hotKeyByPhysicalKey()
+    {
+        QFETCH(int, qtKey);
+        QFETCH(bool, shift);
+        QFETCH(int, keycode);
+        QFETCH(QString, tag);
+        QFETCH(QString, text);
+        m_options->setReset(true);
+        FrmOptions &w = openWindow();
+        QKeyEvent press(QEvent::KeyPress, qtKey, shift ? Qt::ShiftModifier : Qt::NoModifier,
+                        quint32(keycode), 0, 0);
+        QCoreApplication::sendEvent(w.txtHotKey, &press);
+        QCOMPARE(m_options->hotKeyTag(), tag);
+        QCOMPARE(w.txtHotKey->text(), text);
     }
 
     // Clicking into a folder field browses for the game's executable; "Delete Path" asks first.

@@ -2,6 +2,7 @@
 #include "client/options/options.h"
 #include "client/options/settingsfile.h"
 
+#include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
@@ -64,8 +65,20 @@ private Q_SLOTS:
         QCOMPARE(summary(options), loaded);
     }
 
+    // Written in code page 1252 as on Windows, unless a folder needs more than 1252 holds.
+    void readsTheFileItWrote_data()
+    {
+        QTest::addColumn<QString>("pathRS");
+        QTest::addColumn<QByteArray>("written");
+        QTest::newRow("1252") << QString::fromUtf8("/games/Caf\u00e9")
+                              << QByteArray("/games/Caf\xe9");
+        QTest::newRow("beyond 1252") << QString::fromUtf8("/home/\u044e\u043b\u044f")
+                                     << QByteArray("/home/\xd1\x8e\xd0\xbb\xd1\x8f");
+    }
     void readsTheFileItWrote()
     {
+        QFETCH(QString, pathRS);
+        QFETCH(QByteArray, written);
         QTemporaryDir dir;
         const QString path = dir.filePath(SettingsFile::fileName());
         Options options;
@@ -73,7 +86,11 @@ private Q_SLOTS:
         QVERIFY(!SettingsFile::read(path, options)); // no file yet: the values stay
         QVERIFY(options.sound());
         options.captureHotKey(122);
+        options.setPathRS(pathRS);
         QVERIFY(SettingsFile::write(path, options));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), "0\r\n0\r\n1\r\n0\r\n122\r\n" + written + "\r\n\r\n");
         Options reread;
         QVERIFY(SettingsFile::read(path, reread));
         QCOMPARE(summary(reread), summary(options));
