@@ -54,3 +54,17 @@ void ScriptedServer::dropClient()
     if (m_client)
         m_client->disconnectFromHost();
 }
+
+void ScriptedServer::stopAnswering()
+{
+    // The kernel drops a connection request without a word while the listening socket's
+    // accept queue is full: listen again with the smallest queue, never accept, and fill the
+    // queue with one connection of our own.
+    const quint16 listeningPort = port();
+    m_server.close();
+    m_server.setListenBacklogSize(0);
+    m_server.setMaxPendingConnections(0);
+    m_server.listen(QHostAddress::LocalHost, listeningPort);
+    m_backlogFiller.connectToHost(QHostAddress::LocalHost, listeningPort);
+    m_backlogFiller.waitForConnected(5000);
+}

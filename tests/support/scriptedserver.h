@@ -26,12 +26,16 @@ public:
     void send(const QByteArray &bytes);
     // Closes the current connection from the server's side.
     void dropClient();
+    // From now on a connection attempt is neither accepted nor refused: it hangs, as with a
+    // server that never answers.
+    void stopAnswering();
 
     QByteArray received() const { return m_received; }
 
 private:
     QTcpServer m_server;
     QPointer<QTcpSocket> m_client;
+    QTcpSocket m_backlogFiller;
     QByteArray m_received;
     int m_connections = 0;
 };

@@ -12,6 +12,7 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
+#include "client/lobby/onlinetimer.h"
 #include "client/options/autostart.h"
 #include "client/options/basregistry.h"
 #include "client/options/defaultgamefolders.h"
@@ -36,7 +37,6 @@
 
 #include <QDir>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QLineEdit>
 #include <QTextBrowser>
 #include <QTimer>
@@ -48,8 +48,9 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     : QObject(parent), m_services(std::move(services)), m_servers(std::move(servers)),
       m_dataFolder(m_services.dataFolder), m_session(new SessionState(this)),
       m_dispatcher(new LobbyDispatcher(this)),
-      m_connection(new LobbyConnection(*m_dispatcher, this)), m_rooms(new RoomListModel(this)),
-      m_players(new PlayerListModel(this)), m_options(new Options(this)),
+      m_connection(new LobbyConnection(*m_dispatcher, LobbyConnection::kConnectTimeout, this)),
+      m_rooms(new RoomListModel(this)), m_players(new PlayerListModel(this)),
+      m_options(new Options(this)),
       m_basRegistry(std::make_unique<BasRegistry>(*m_services.registry)),
       m_optionsStore(std::make_unique<OptionsStore>(
           *m_options, m_dataFolder, DefaultGameFolders::forWinePrefix(m_services.winePrefix),
@@ -69,9 +70,12 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     buildTray();
     buildLogin();
 
-    connect(m_options, &Options::resetChanged, m_form->tmrStatsReset, [this](bool on) {
-        on ? m_form->tmrStatsReset->start() : m_form->tmrStatsReset->stop();
-    });
+    // Polls the statistics-reset hot key while the reset option is on.
+    m_tmrStatsReset = new QTimer(this);
+    m_tmrStatsReset->setObjectName(QStringLiteral("tmrStatsReset"));
+    m_tmrStatsReset->setInterval(500);
+    connect(m_options, &Options::resetChanged, m_tmrStatsReset,
+            [this](bool on) { on ? m_tmrStatsReset->start() : m_tmrStatsReset->stop(); });
     connect(m_form->picOptions, &QAbstractButton::clicked, this, [this] {
         FrmOptions *window = m_windows->frmOptions();
         window->setWindowModality(Qt::ApplicationModal);
@@ -111,8 +115,7 @@ void ClientApplication::buildWindows()
 {
     AppWindows::Factories factories;
     factories.logIn = [this] {
-        auto *window = new FrmLogIn(
-            QDir(m_dataFolder).filePath(QString::fromLatin1(CredentialsFile::kFileName)));
+        auto *window = new FrmLogIn(credentialsPath());
         connect(window, &FrmLogIn::loginRequested, m_login, &LoginController::loginPressed);
         return window;
     };
@@ -154,23 +157,28 @@ void ClientApplication::buildTray()
         new TrayController(*m_services.tray, *m_form, *m_session, *m_connection, *m_chat, this);
 }
 
+QString ClientApplication::credentialsPath() const
+{
+    return QDir(m_dataFolder).filePath(QString::fromLatin1(CredentialsFile::kFileName));
+}
+
 void ClientApplication::buildLogin()
 {
-    LoginController::Hooks hooks;
-    hooks.statusLine = [this](const QString &text) { m_chat->addStatusLine(text); };
-    hooks.emptyRoomList = [this] { m_rooms->clearRows(); };
-    hooks.emptyPlayerList = [this] { m_players->clearList(); };
-    hooks.resetPlayerList = [this] {
+    m_login = new LoginController(*m_connection, *m_dispatcher, *m_session, *m_sounds,
+                                  *m_services.dialogs, credentialsPath(),
+                                  LoginController::kReconnectInterval, this);
+    connect(m_login, &LoginController::statusLine, m_chat, &LobbyChat::addStatusLine);
+    connect(m_login, &LoginController::roomListEmptyRequested, m_rooms, &RoomListModel::clearRows);
+    connect(m_login, &LoginController::playerListEmptyRequested, m_players,
+            &PlayerListModel::clearList);
+    connect(m_login, &LoginController::playerListResetRequested, m_players, [this] {
         m_players->clearList();
         m_players->addGroupRows();
-    };
-    hooks.credentials = [this] { return m_windows->frmLogIn()->credentials(); };
-    hooks.unloadLoginWindow = [this] { m_windows->unloadLogIn(); };
-    hooks.clientVersion = [this] { return m_form->Label3->text(); };
-    m_login = new LoginController(*m_connection, *m_dispatcher, *m_session, *m_sounds,
-                                  *m_form->tmrReconnet, *m_form->Timer1, std::move(hooks), this);
-    // The game detection of the same timer joins the keep-alive once it exists.
-    new KeepAlive(*m_form->Timer1, *m_session, *m_connection, this);
+    });
+    connect(m_login, &LoginController::loginWindowDone, m_windows, &AppWindows::unloadLogIn);
+    // The game detection joins the keep-alive on the same timer once it exists.
+    auto *timer1 = new OnlineTimer(*m_session, OnlineTimer::kInterval, this);
+    new KeepAlive(*timer1, *m_session, *m_connection, this);
     connect(m_form->picLogIn, &QAbstractButton::clicked, m_login,
             &LoginController::picLogInClicked);
     connect(m_login, &LoginController::loginDialogRequested, this,

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <memory>
 
+class QTimer;
+
 namespace client {
 
 class AppWindows;
@@ -85,6 +87,8 @@ private:
     void buildWindows();
     void buildTray();
     void buildLogin();
+    // user.txt in the data folder.
+    QString credentialsPath() const;
     void startGameQuery();
     void loadOptions();
     void shutDown();
@@ -112,6 +116,7 @@ private:
     PlayerListHandlers *m_playerHandlers = nullptr;
     RoomListHandlers *m_roomHandlers = nullptr;
     GameServerQuery *m_gameQuery = nullptr;
+    QTimer *m_tmrStatsReset = nullptr;
     bool m_optionsLoaded = false;
 };
 

@@ -1,6 +1,7 @@
 #include "client/app/form1.h"
 
 #include "client/app/splitterbar.h"
+#include "client/session/clientversion.h"
 #include "client/ui/draghandle.h"
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"
@@ -11,7 +12,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QTreeView>
 
 namespace client {
@@ -41,7 +41,7 @@ Form1::Form1(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindow
     Label1->setFont(titleFont);
     Label1->setGeometry(14, 4, 150, 30);
 
-    Label3 = new QLabel(QStringLiteral("V 6.0"), this);
+    Label3 = new QLabel(clientVersion(), this);
     Label3->setObjectName(QStringLiteral("Label3"));
     Label3->setGeometry(168, 14, 60, 16);
 
@@ -94,10 +94,6 @@ Form1::Form1(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindow
                           QRect(kLeft + kLeftWidth - 32, kSendTop, 32, kSendHeight));
     Picture3->setEnabled(false);
 
-    tmrReconnet = makeTimer("tmrReconnet", 20000);
-    Timer1 = makeTimer("Timer1", 10000);
-    tmrStatsReset = makeTimer("tmrStatsReset", 500);
-
     connect(Picture2, &QAbstractButton::clicked, this, &QWidget::close);
     connect(Picture4, &QAbstractButton::clicked, this, &Form1::hideRequested);
     DragHandle::install(this, {Label1});
@@ -116,14 +112,6 @@ PictureButton *Form1::makeButton(const char *name, const QString &picture, const
     button->setGeometry(geometry);
     button->setIconSize(geometry.size() - QSize(6, 6));
     return button;
-}
-
-QTimer *Form1::makeTimer(const char *name, int intervalMs)
-{
-    auto *timer = new QTimer(this);
-    timer->setObjectName(QLatin1String(name));
-    timer->setInterval(intervalMs);
-    return timer;
 }
 
 void Form1::showAtNormalSize()

@@ -5,7 +5,6 @@
 class QLabel;
 class QLineEdit;
 class QTextBrowser;
-class QTimer;
 class QTreeView;
 
 namespace client {
@@ -33,7 +32,7 @@ public:
 
     // Controls, named as the rest of the program knows them.
     QLabel *Label1;                 // title "QUORVEL"; dragging it moves the window
-    QLabel *Label3;                 // client version, sent on connecting
+    QLabel *Label3;                 // the client version (the one sent on connecting)
     PictureButton *Picture2;        // close: ends the program
     PictureButton *Picture4;        // hide to the notification area
     PictureButton *picLogIn;        // log in / out; tag "ONLINE" / "OFFLINE"
@@ -48,9 +47,6 @@ public:
     QTextBrowser *txtChat;          // lobby chat
     QLineEdit *txtChatSend;         // chat input
     SplitterBar *Picture1;          // splitter between the room list and the chat
-    QTimer *tmrReconnet;            // reconnect after a drop, 20 s
-    QTimer *Timer1;                 // in-game detection and keep-alive, 10 s
-    QTimer *tmrStatsReset;          // statistics-reset hot key poll, 0.5 s
 
 Q_SIGNALS:
     // The window is closing: the program shuts down.
@@ -64,7 +60,6 @@ protected:
 private:
     PictureButton *makeButton(const char *name, const QString &picture, const QString &tip,
                               const QRect &geometry);
-    QTimer *makeTimer(const char *name, int intervalMs);
 };
 
 } // namespace client

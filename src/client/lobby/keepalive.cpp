@@ -1,17 +1,16 @@
 #include "client/lobby/keepalive.h"
 
 #include "client/lobby/lobbyconnection.h"
+#include "client/lobby/onlinetimer.h"
 #include "client/session/sessionstate.h"
-
-#include <QTimer>
 
 namespace client {
 
-KeepAlive::KeepAlive(QTimer &timer1, SessionState &session, LobbyConnection &connection,
+KeepAlive::KeepAlive(OnlineTimer &timer1, SessionState &session, LobbyConnection &connection,
                      QObject *parent)
     : QObject(parent), m_session(session), m_connection(connection)
 {
-    connect(&timer1, &QTimer::timeout, this, &KeepAlive::tick);
+    connect(&timer1, &OnlineTimer::tick, this, &KeepAlive::tick);
 }
 
 void KeepAlive::tick()

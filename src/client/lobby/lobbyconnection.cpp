@@ -4,14 +4,21 @@
 #include "protocol/message.h"
 
 #include <QTcpSocket>
+#include <QTimer>
 
 namespace client {
 
-LobbyConnection::LobbyConnection(LobbyDispatcher &dispatcher, QObject *parent)
-    : QObject(parent), m_dispatcher(dispatcher), m_socket(new QTcpSocket(this))
+LobbyConnection::LobbyConnection(LobbyDispatcher &dispatcher,
+                                 std::chrono::milliseconds connectTimeout, QObject *parent)
+    : QObject(parent), m_dispatcher(dispatcher), m_socket(new QTcpSocket(this)),
+      m_connectTimer(new QTimer(this))
 {
     m_socket->setObjectName(QStringLiteral("tcpClient"));
+    m_connectTimer->setSingleShot(true);
+    m_connectTimer->setInterval(connectTimeout);
+    connect(m_connectTimer, &QTimer::timeout, this, &LobbyConnection::onConnectTimeout);
     connect(m_socket, &QTcpSocket::connected, this, [this] {
+        m_connectTimer->stop();
         m_open = true;
         Q_EMIT connected();
     });
@@ -24,11 +31,15 @@ LobbyConnection::LobbyConnection(LobbyDispatcher &dispatcher, QObject *parent)
 void LobbyConnection::connectToLobby(const QString &host, quint16 port)
 {
     close();
+    if (m_dispatcher.isHalted())
+        m_dispatcher.clear();
     m_socket->connectToHost(host, port);
+    m_connectTimer->start();
 }
 
 void LobbyConnection::close()
 {
+    m_connectTimer->stop();
     m_open = false;
     m_socket->abort();
 }
@@ -62,7 +73,16 @@ void LobbyConnection::onError(QAbstractSocket::SocketError error)
         Q_EMIT dropped();
         return;
     }
+    m_connectTimer->stop();
     Q_EMIT connectFailed(error);
+}
+
+void LobbyConnection::onConnectTimeout()
+{
+    if (m_open)
+        return;
+    m_socket->abort();
+    Q_EMIT connectFailed(QAbstractSocket::SocketTimeoutError);
 }
 
 void LobbyConnection::onDisconnected()

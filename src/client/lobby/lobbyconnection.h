@@ -5,8 +5,10 @@
 #include <QAbstractSocket>
 #include <QObject>
 #include <QStringList>
+#include <chrono>
 
 class QTcpSocket;
+class QTimer;
 
 namespace client {
 
@@ -17,14 +19,22 @@ class LobbyDispatcher;
 // - `connected`: the connection is made;
 // - `dropped`: the server or the network closed an open connection, or it was aborted while
 //   open (the socket is closed then); never raised by the client's own `close`;
-// - `connectFailed`: a connection attempt failed (refused, unreachable, timed out).
+// - `connectFailed`: a connection attempt failed (refused, unreachable), or no connection was
+//   made within the connect timeout (a server that never answers; the kernel alone would take
+//   about two minutes to give up).
 class LobbyConnection : public QObject
 {
     Q_OBJECT
 
 public:
-    LobbyConnection(LobbyDispatcher &dispatcher, QObject *parent = nullptr);
+    static constexpr std::chrono::milliseconds kConnectTimeout{20000};
 
+    explicit LobbyConnection(LobbyDispatcher &dispatcher,
+                             std::chrono::milliseconds connectTimeout = kConnectTimeout,
+                             QObject *parent = nullptr);
+
+    // Closes any earlier connection first. A dispatcher stopped by "OV" starts afresh, without
+    // the bytes left of the old stream.
     void connectToLobby(const QString &host, quint16 port);
     // Closes the connection from this side; raises no `dropped`.
     void close();
@@ -47,9 +57,11 @@ Q_SIGNALS:
 private:
     void onError(QAbstractSocket::SocketError error);
     void onDisconnected();
+    void onConnectTimeout();
 
     LobbyDispatcher &m_dispatcher;
     QTcpSocket *m_socket;
+    QTimer *m_connectTimer;
     bool m_open = false; // connected and not yet closed or dropped
 };
 

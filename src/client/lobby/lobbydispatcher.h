@@ -19,8 +19,8 @@ namespace client {
 // dropped through its own terminator and its handler is not called, so a well-formed message
 // after it is still handled and nothing past that terminator is lost.
 //
-// "OV" ends the session: once its handler has run, nothing more is dispatched (the program is
-// ending) until `clear`.
+// "OV" ends the session: once its handler has run, nothing more is dispatched, not even the rest
+// of the same arrival, until `clear` (a new connection clears it).
 class LobbyDispatcher : public QObject
 {
     Q_OBJECT

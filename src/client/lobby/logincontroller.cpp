@@ -1,7 +1,10 @@
 #include "client/lobby/logincontroller.h"
 
+#include "client/lobby/credentialsfile.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/platform/dialogs.h"
+#include "client/session/clientversion.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
 
@@ -13,51 +16,55 @@ namespace client {
 using protocol::Code;
 
 LoginController::LoginController(LobbyConnection &connection, LobbyDispatcher &dispatcher,
-                                 SessionState &session, EventSounds &sounds, QTimer &tmrReconnet,
-                                 QTimer &timer1, Hooks hooks, QObject *parent)
+                                 SessionState &session, EventSounds &sounds, Dialogs &dialogs,
+                                 QString credentialsPath,
+                                 std::chrono::milliseconds reconnectInterval, QObject *parent)
     : QObject(parent), m_connection(connection), m_session(session), m_sounds(sounds),
-      m_tmrReconnet(tmrReconnet), m_timer1(timer1), m_hooks(std::move(hooks))
+      m_dialogs(dialogs), m_credentialsPath(std::move(credentialsPath)),
+      m_tmrReconnet(new QTimer(this))
 {
+    m_tmrReconnet->setObjectName(QStringLiteral("tmrReconnet"));
+    m_tmrReconnet->setInterval(reconnectInterval);
+    connect(m_tmrReconnet, &QTimer::timeout, this, &LoginController::reconnect);
     connect(&m_connection, &LobbyConnection::connected, this, &LoginController::onConnected);
     connect(&m_connection, &LobbyConnection::dropped, this, &LoginController::onDropped);
     connect(&m_connection, &LobbyConnection::connectFailed, this,
             &LoginController::onConnectFailed);
-    connect(&m_tmrReconnet, &QTimer::timeout, this, &LoginController::reconnect);
 
     dispatcher.setHandler(Code::SendLogin, [this](const protocol::Message &) {
         if (!m_connection.isConnected())
             return;
-        const Credentials credentials = m_hooks.credentials();
+        // What was last saved, not what may stand typed in an open login window.
+        const Credentials credentials = CredentialsFile::read(m_credentialsPath);
         m_connection.sendLobbyMessage(Code::Login, {credentials.name, credentials.password});
     });
     dispatcher.setHandler(Code::LoginAccepted, [this](const protocol::Message &message) {
         m_session.lobbyStatsId = message.field(0);
         Q_EMIT statsIdReceived(m_session.lobbyStatsId);
-        m_hooks.statusLine(QStringLiteral("Connected"));
+        Q_EMIT statusLine(QStringLiteral("Connected"));
         m_session.setOnline(true);
-        m_timer1.start();
     });
     dispatcher.setHandler(Code::LoginFailed, [this](const protocol::Message &) {
-        m_hooks.statusLine(QStringLiteral("Wrong name or password"));
-        m_timer1.stop();
+        Q_EMIT statusLine(QStringLiteral("Wrong name or password"));
         // Closing from this side raises no drop, so nothing reconnects.
         m_connection.close();
     });
+    dispatcher.setHandler(Code::OldVersion, [this](const protocol::Message &) { onOldVersion(); });
 }
 
 void LoginController::autoLogin()
 {
     m_sounds.play(EventSounds::Event::Connecting);
-    m_hooks.emptyRoomList();
-    m_hooks.statusLine(QStringLiteral("Trying to connect..."));
+    Q_EMIT roomListEmptyRequested();
+    Q_EMIT statusLine(QStringLiteral("Trying to connect..."));
     connectToLobby();
-    m_hooks.unloadLoginWindow();
+    Q_EMIT loginWindowDone();
 }
 
 void LoginController::loginPressed()
 {
     m_session.loggedOFF = false;
-    m_tmrReconnet.stop();
+    m_tmrReconnet->stop();
     autoLogin();
 }
 
@@ -72,13 +79,12 @@ void LoginController::picLogInClicked()
 void LoginController::logOut()
 {
     m_session.inGame = false;
-    m_tmrReconnet.stop();
+    m_tmrReconnet->stop();
     m_session.loggedOFF = true;
     m_connection.close();
     m_session.setOnline(false);
     m_sounds.play(EventSounds::Event::LoggedOut);
-    m_hooks.statusLine(QStringLiteral("Logged out"));
-    m_timer1.stop();
+    Q_EMIT statusLine(QStringLiteral("Logged out"));
 }
 
 void LoginController::connectToLobby()
@@ -90,10 +96,10 @@ void LoginController::connectToLobby()
 
 void LoginController::onConnected()
 {
-    m_hooks.resetPlayerList();
-    m_hooks.emptyRoomList();
-    m_tmrReconnet.stop();
-    m_connection.sendLobbyMessage(Code::Version, {m_hooks.clientVersion()});
+    Q_EMIT playerListResetRequested();
+    Q_EMIT roomListEmptyRequested();
+    m_tmrReconnet->stop();
+    m_connection.sendLobbyMessage(Code::Version, {clientVersion()});
     QCoreApplication::processEvents();
 }
 
@@ -101,24 +107,39 @@ void LoginController::onDropped()
 {
     m_session.inGame = false;
     m_sounds.play(EventSounds::Event::ConnectionDropped);
-    m_hooks.statusLine(QStringLiteral("Diconnected"));
+    Q_EMIT statusLine(QStringLiteral("Diconnected"));
     m_session.setOnline(false);
-    m_timer1.stop();
     if (!m_session.loggedOFF)
-        m_tmrReconnet.start();
+        m_tmrReconnet->start();
 }
 
 void LoginController::onConnectFailed()
 {
-    m_hooks.statusLine(QStringLiteral("Could not connect"));
+    Q_EMIT statusLine(QStringLiteral("Could not connect"));
+}
+
+void LoginController::onOldVersion()
+{
+    // The server ends the session after "OV"; closing first keeps that from counting as a
+    // drop, and with `loggedOFF` nothing reconnects: a server that refuses this version would
+    // refuse it again every 20 s. The session is over before the message box waits.
+    m_tmrReconnet->stop();
+    m_session.loggedOFF = true;
+    m_connection.close();
+    m_session.setOnline(false);
+    const QString text = QStringLiteral("This version of QUORVEL (%1) is too old and must be "
+                                        "updated before you can log in.")
+                             .arg(clientVersion());
+    Q_EMIT statusLine(text);
+    m_dialogs.messageBox(applicationTitle(), text, Dialogs::Buttons::Ok, Dialogs::Icon::Warning);
 }
 
 void LoginController::reconnect()
 {
-    m_hooks.statusLine(QStringLiteral("Trying to reconnect"));
+    Q_EMIT statusLine(QStringLiteral("Trying to reconnect"));
     m_session.loggedOFF = false;
-    m_hooks.emptyPlayerList();
-    m_hooks.emptyRoomList();
+    Q_EMIT playerListEmptyRequested();
+    Q_EMIT roomListEmptyRequested();
     connectToLobby();
 }
 

@@ -1,46 +1,38 @@
 #pragma once
 
-#include "client/lobby/credentialsfile.h"
-
 #include <QObject>
-#include <functional>
+#include <chrono>
 
 class QTimer;
 
 namespace client {
 
+class Dialogs;
 class EventSounds;
 class LobbyConnection;
 class LobbyDispatcher;
 class SessionState;
 
-// Opens the lobby connection, logs in with the saved credentials, logs out, and brings the
-// session back after the server drops it: a drop reconnects every 20 s (`tmrReconnet`) until
-// a connection is made, unless the user logged out. Handles "SL", "LT" and "LF".
+// Opens the lobby connection, logs in with the name and password saved in user.txt, logs out,
+// and brings the session back after the server drops it: a drop reconnects every 20 s
+// (`tmrReconnet`) until a connection is made, unless the user logged out. Handles "SL", "LT",
+// "LF" and "OV". "OV" (this version is too old) tells the user and ends the session for good:
+// nothing reconnects until the user logs in again.
 //
-// Everything it shows goes through `statusLine` into the lobby chat. The logged-in flag is
-// the session state's; the looks follow it.
+// It reads no window: what it shows and what the lists must do are signals, emitted in the
+// order the effects must happen. The logged-in flag is the session state's; the looks and
+// `Timer1` follow it.
 class LoginController : public QObject
 {
     Q_OBJECT
 
 public:
-    struct Hooks
-    {
-        std::function<void(const QString &)> statusLine;
-        std::function<void()> emptyRoomList;
-        std::function<void()> emptyPlayerList;
-        // Empties the player list and adds its three group rows.
-        std::function<void()> resetPlayerList;
-        // The name and password of the login window (creating it fills them from user.txt).
-        std::function<Credentials()> credentials;
-        std::function<void()> unloadLoginWindow;
-        // The version text sent on connecting.
-        std::function<QString()> clientVersion;
-    };
+    static constexpr std::chrono::milliseconds kReconnectInterval{20000};
 
+    // `credentialsPath` is user.txt in the data folder.
     LoginController(LobbyConnection &connection, LobbyDispatcher &dispatcher, SessionState &session,
-                    EventSounds &sounds, QTimer &tmrReconnet, QTimer &timer1, Hooks hooks,
+                    EventSounds &sounds, Dialogs &dialogs, QString credentialsPath,
+                    std::chrono::milliseconds reconnectInterval = kReconnectInterval,
                     QObject *parent = nullptr);
 
     // Starts a connection attempt and closes the login window.
@@ -52,6 +44,14 @@ public:
     void logOut();
 
 Q_SIGNALS:
+    // A status line for the lobby chat.
+    void statusLine(const QString &text);
+    void roomListEmptyRequested();
+    void playerListEmptyRequested();
+    // Empty the player list and add its three group rows: a connection was made.
+    void playerListResetRequested();
+    // A connection attempt was started from the login window: it is no longer needed.
+    void loginWindowDone();
     void loginDialogRequested();
     // "LT" brought the statistics id.
     void statsIdReceived(const QString &id);
@@ -60,15 +60,16 @@ private:
     void onConnected();
     void onDropped();
     void onConnectFailed();
+    void onOldVersion();
     void reconnect();
     void connectToLobby();
 
     LobbyConnection &m_connection;
     SessionState &m_session;
     EventSounds &m_sounds;
-    QTimer &m_tmrReconnet;
-    QTimer &m_timer1;
-    Hooks m_hooks;
+    Dialogs &m_dialogs;
+    QString m_credentialsPath;
+    QTimer *m_tmrReconnet;
 };
 
 } // namespace client

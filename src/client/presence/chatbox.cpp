@@ -1,8 +1,7 @@
 #include "client/presence/chatbox.h"
 
+#include "client/presence/chatlog.h"
 #include "client/presence/chatwords.h"
-#include "client/presence/wirenumber.h"
-#include "client/session/clock.h"
 
 #include <QDesktopServices>
 #include <QScopedValueRollback>
@@ -15,16 +14,6 @@
 namespace client {
 
 namespace {
-
-// A colour number in the 0x00BBGGRR form; anything that is not one is black.
-QColor colourFromNumber(const QString &text)
-{
-    const std::optional<double> value = readWholeNumber(text);
-    if (!value || *value < 0 || *value > 0xFFFFFFFF)
-        return QColor(Qt::black);
-    const auto bgr = quint32(*value);
-    return QColor(int(bgr & 0xFF), int((bgr >> 8) & 0xFF), int((bgr >> 16) & 0xFF));
-}
 
 QTextCharFormat plainFormat(const QColor &colour, bool bold)
 {
@@ -59,8 +48,8 @@ void ChatBox::openWithSystem(const QString &address)
     QDesktopServices::openUrl(QUrl::fromUserInput(address));
 }
 
-ChatBox::ChatBox(QTextBrowser *txtChat, const Clock &clock, LinkOpener opener, QObject *parent)
-    : QObject(parent), m_txtChat(txtChat), m_clock(clock), m_openLink(std::move(opener))
+ChatBox::ChatBox(QTextBrowser *txtChat, const ChatLog &log, LinkOpener opener, QObject *parent)
+    : QObject(parent), m_txtChat(txtChat), m_openLink(std::move(opener))
 {
     txtChat->setReadOnly(true);
     txtChat->setUndoRedoEnabled(false);
@@ -70,9 +59,12 @@ ChatBox::ChatBox(QTextBrowser *txtChat, const Clock &clock, LinkOpener opener, Q
     txtChat->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     connect(txtChat, &QTextEdit::cursorPositionChanged, this, &ChatBox::onSelectionMoved);
     connect(txtChat, &QTextEdit::selectionChanged, this, &ChatBox::onSelectionMoved);
+    for (const ChatLine &line : log.lines())
+        showLine(line);
+    connect(&log, &ChatLog::lineAppended, this, &ChatBox::showLine);
 }
 
-void ChatBox::addChatLine(const QString &name, const QString &colour, const QString &text)
+void ChatBox::showLine(const ChatLine &line)
 {
     if (!m_txtChat)
         return;
@@ -80,12 +72,11 @@ void ChatBox::addChatLine(const QString &name, const QString &colour, const QStr
     const QColor black(Qt::black);
     QTextCursor cursor(m_txtChat->document());
     cursor.movePosition(QTextCursor::End);
-    cursor.insertText(QStringLiteral("\r\n") + chatTimeText(m_clock.now().time()) +
-                          QStringLiteral("  "),
+    cursor.insertText(QStringLiteral("\r\n") + chatTimeText(line.time) + QStringLiteral("  "),
                       plainFormat(black, false));
-    insertWithLinks(cursor, name, plainFormat(black, true));
+    insertWithLinks(cursor, line.name, plainFormat(black, true));
     cursor.insertText(QStringLiteral("  >   "), plainFormat(black, false));
-    insertWithLinks(cursor, text + u' ', plainFormat(colourFromNumber(colour), false));
+    insertWithLinks(cursor, line.text + u' ', plainFormat(line.colour, false));
 
     // The newest line is shown, even when the user had scrolled up or selected something.
     m_txtChat->setTextCursor(cursor);

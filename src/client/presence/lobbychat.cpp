@@ -2,15 +2,17 @@
 
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatinput.h"
+#include "client/presence/chatlog.h"
 
 namespace client {
 
 LobbyChat::LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractButton *Picture3,
                      LobbyConnection &connection, SessionState &session, const Clock &clock,
                      QObject *parent, ChatBox::LinkOpener opener)
-    : QObject(parent), m_box(new ChatBox(txtChat, clock, std::move(opener), this)),
+    : QObject(parent), m_log(new ChatLog(clock, this)),
       m_input(new ChatInput(txtChatSend, Picture3, connection, SendRateGuard(session, clock), this))
 {
+    new ChatBox(txtChat, *m_log, std::move(opener), this);
 }
 
 void LobbyChat::registerHandler(LobbyDispatcher &dispatcher)
@@ -22,7 +24,7 @@ void LobbyChat::registerHandler(LobbyDispatcher &dispatcher)
 
 void LobbyChat::addChatLine(const QString &name, const QString &colour, const QString &text)
 {
-    m_box->addChatLine(name, colour, text);
+    m_log->append(name, colour, text);
 }
 
 void LobbyChat::addStatusLine(const QString &text)

@@ -11,14 +11,16 @@ class QTextBrowser;
 namespace client {
 
 class ChatInput;
+class ChatLog;
 class Clock;
 class LobbyConnection;
 class LobbyDispatcher;
 class SessionState;
 
-// The lobby chat of the main window: the chat box `txtChat`, the input `txtChatSend` and the
-// send button `Picture3`. Lines from the server ("MD") and the program's own status lines all
-// go through `addChatLine`. The widgets belong to the window; this object only drives them.
+// The lobby chat of the main window. Lines from the server ("MD") and the program's own status
+// lines all go through `addChatLine` into the chat log; the chat box `txtChat` is a view that
+// watches the log. The input `txtChatSend` and the send button `Picture3` send "MD". The
+// widgets belong to the window.
 class LobbyChat : public QObject
 {
     Q_OBJECT
@@ -39,10 +41,11 @@ public:
     // A status line of the program: "QUORVEL" in black.
     void addStatusLine(const QString &text);
 
+    const ChatLog &log() const { return *m_log; }
     ChatInput &input() const { return *m_input; }
 
 private:
-    ChatBox *m_box;
+    ChatLog *m_log;
     ChatInput *m_input;
 };
 

@@ -72,6 +72,14 @@ private Q_SLOTS:
                  QStringList{"Could not find path to game, select at least one game in options"});
         QVERIFY(!app.form().picCreateRoom->isVisible());
         QVERIFY(!app.connection().isConnected());
+        const QList<std::pair<const char *, int>> timers = {
+            {"tmrReconnet", 20000}, {"Timer1", 10000}, {"tmrStatsReset", 500}};
+        for (const auto &[name, interval] : timers) {
+            const auto *timer = app.findChild<QTimer *>(QLatin1String(name));
+            QVERIFY2(timer, name);
+            QCOMPARE(timer->interval(), interval);
+            QVERIFY(!timer->isActive());
+        }
     }
 
     void windowsExistOnceAndReloadAfterUnload()

@@ -9,7 +9,6 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QTreeView>
 
 using namespace client;
@@ -40,9 +39,6 @@ private Q_SLOTS:
             {"txtChat", "QTextBrowser"},
             {"txtChatSend", "QLineEdit"},
             {"Picture1", "SplitterBar"},
-            {"tmrReconnet", "QTimer"},
-            {"Timer1", "QTimer"},
-            {"tmrStatsReset", "QTimer"},
         };
         for (const auto &[name, className] : controls)
             QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(className);
@@ -69,12 +65,6 @@ private Q_SLOTS:
         QCOMPARE(form.Picture1->tag(), QStringLiteral("2"));
         QCOMPARE(form.Picture1->y(), 289);
         QVERIFY(!form.Picture3->isEnabled());
-        const QList<std::pair<QTimer *, int>> timers = {
-            {form.tmrReconnet, 20000}, {form.Timer1, 10000}, {form.tmrStatsReset, 500}};
-        for (const auto &[timer, interval] : timers) {
-            QCOMPARE(timer->interval(), interval);
-            QVERIFY(!timer->isActive());
-        }
     }
 
     void looksFollowTheLoggedInFlag()

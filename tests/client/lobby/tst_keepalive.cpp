@@ -1,13 +1,14 @@
 #include "client/lobby/keepalive.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/lobby/onlinetimer.h"
 #include "client/session/sessionstate.h"
 #include "support/scriptedserver.h"
 
 #include <QTest>
-#include <QTimer>
 
 using namespace client;
+using namespace std::chrono_literals;
 
 class TestKeepAlive : public QObject
 {
@@ -20,7 +21,7 @@ private Q_SLOTS:
         LobbyDispatcher dispatcher;
         LobbyConnection connection(dispatcher);
         SessionState session;
-        QTimer timer1;
+        OnlineTimer timer1(session, 5ms);
         KeepAlive keepAlive(timer1, session, connection);
         connection.connectToLobby(QStringLiteral("127.0.0.1"), server.port());
         QTRY_VERIFY(connection.isConnected());
@@ -35,10 +36,12 @@ private Q_SLOTS:
         }
         QCOMPARE(session.keepAliveTicks, 1);
 
-        // The detection timer drives it.
-        timer1.setInterval(5);
-        timer1.start();
+        // `Timer1` drives it while logged in, and only then.
+        QVERIFY(!timer1.isActive());
+        session.setOnline(true);
         QTRY_COMPARE(server.received(), expected + "PI\x0F");
+        session.setOnline(false);
+        QVERIFY(!timer1.isActive());
     }
 
     void countsWhileDisconnectedAndSendsNothing()
@@ -46,7 +49,7 @@ private Q_SLOTS:
         LobbyDispatcher dispatcher;
         LobbyConnection connection(dispatcher);
         SessionState session;
-        QTimer timer1;
+        OnlineTimer timer1(session);
         KeepAlive keepAlive(timer1, session, connection);
         for (int tick = 1; tick <= 4; ++tick)
             keepAlive.tick();

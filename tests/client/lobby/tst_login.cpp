@@ -3,10 +3,11 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
-#include "client/platform/soundplayer.h"
+#include "client/lobby/onlinetimer.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/picturebutton.h"
+#include "support/clientfakes.h"
 #include "support/scriptedserver.h"
 
 #include <QApplication>
@@ -20,47 +21,37 @@ using namespace client;
 
 namespace {
 
-class RecordingPlayer final : public SoundPlayer
-{
-public:
-    void play(const QString &file) override { played << file; }
-    QStringList played;
-};
+using namespace std::chrono_literals;
 
-// The login controller with real sockets against a scripted server; user.txt in a
-// temporary folder stands for the login window's boxes as they are after it is recreated.
+// The login controller with real sockets against a scripted server, with short reconnect and
+// connect-timeout intervals.
 struct Session
 {
     QTemporaryDir dir;
     ScriptedServer server;
     LobbyDispatcher dispatcher;
-    LobbyConnection connection{dispatcher};
+    LobbyConnection connection{dispatcher, 300ms};
     SessionState state;
     RecordingPlayer player;
     EventSounds sounds{player, [] { return false; }, [] { return QString(); }};
-    QTimer tmrReconnet;
-    QTimer timer1;
+    FakeDialogs dialogs;
+    OnlineTimer timer1{state};
     QStringList lines;
     int listResets = 0;
-    int roomListEmptied = 0;
     std::unique_ptr<LoginController> login;
+    QTimer *tmrReconnet = nullptr;
 
-    explicit Session(int reconnectMs = 150)
+    Session()
     {
-        tmrReconnet.setInterval(reconnectMs);
-        timer1.setInterval(10000);
         state.lobbyServerHost = QStringLiteral("127.0.0.1");
         state.lobbyPort = server.port();
-        LoginController::Hooks hooks;
-        hooks.statusLine = [this](const QString &line) { lines << line; };
-        hooks.emptyRoomList = [this] { ++roomListEmptied; };
-        hooks.emptyPlayerList = [] {};
-        hooks.resetPlayerList = [this] { ++listResets; };
-        hooks.credentials = [this] { return CredentialsFile::read(userFile()); };
-        hooks.unloadLoginWindow = [] {};
-        hooks.clientVersion = [] { return QStringLiteral("V 6.0"); };
-        login = std::make_unique<LoginController>(connection, dispatcher, state, sounds,
-                                                  tmrReconnet, timer1, std::move(hooks));
+        login = std::make_unique<LoginController>(connection, dispatcher, state, sounds, dialogs,
+                                                  userFile(), 150ms);
+        QObject::connect(login.get(), &LoginController::statusLine,
+                         [this](const QString &line) { lines << line; });
+        QObject::connect(login.get(), &LoginController::playerListResetRequested,
+                         [this] { ++listResets; });
+        tmrReconnet = login->findChild<QTimer *>(QStringLiteral("tmrReconnet"));
     }
     QString userFile() const { return dir.filePath(QStringLiteral("user.txt")); }
 
@@ -99,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(s.state.lobbyStatsId, QStringLiteral("42"));
         QVERIFY(s.timer1.isActive());
         QCOMPARE(s.listResets, 1);
-        QVERIFY(!s.tmrReconnet.isActive());
+        QVERIFY(!s.tmrReconnet->isActive());
     }
 
     void refusedLoginDoesNotReconnect()
@@ -116,7 +107,7 @@ private Q_SLOTS:
         QTRY_VERIFY(s.connection.isClosed());
         QTest::qWait(400);
         QCOMPARE(s.server.connectionCount(), 1);
-        QVERIFY(!s.tmrReconnet.isActive());
+        QVERIFY(!s.tmrReconnet->isActive());
         QVERIFY(!s.state.isOnline());
     }
 
@@ -131,10 +122,10 @@ private Q_SLOTS:
         QTRY_COMPARE(s.lines.value(0), QStringLiteral("Diconnected"));
         QVERIFY(!s.state.isOnline());
         QVERIFY(!s.timer1.isActive());
-        QVERIFY(s.tmrReconnet.isActive());
+        QVERIFY(s.tmrReconnet->isActive());
         QVERIFY(s.logIn(2));
         QCOMPARE(s.lines, (QStringList{"Diconnected", "Trying to reconnect", "Connected"}));
-        QVERIFY(!s.tmrReconnet.isActive());
+        QVERIFY(!s.tmrReconnet->isActive());
     }
 
     void logoutThenServerCloseDoesNotReconnect()
@@ -152,13 +143,54 @@ private Q_SLOTS:
         QVERIFY(!s.state.isOnline());
     }
 
-    void unreachableServerIsNotRetried()
+    // A first connection that fails is reported once and not retried, also when the server
+    // never answers: the attempt gives up after the connect timeout, not the kernel's minutes.
+    void failedFirstConnectionIsNotRetried_data()
+    {
+        QTest::addColumn<bool>("answers");
+        QTest::newRow("refused") << true;
+        QTest::newRow("never answers") << false;
+    }
+    void failedFirstConnectionIsNotRetried()
+    {
+        QFETCH(bool, answers);
+        Session s;
+        if (answers)
+            s.state.lobbyPort = 1; // nothing listens on port 1 of loopback
+        else
+            s.server.stopAnswering();
+        s.login->autoLogin();
+        QTRY_COMPARE(s.lines.size(), 2);
+        QCOMPARE(s.lines, (QStringList{"Trying to connect...", "Could not connect"}));
+        QVERIFY(s.connection.isClosed());
+        QTest::qWait(400);
+        QCOMPARE(s.lines.size(), 2);
+        QVERIFY(!s.tmrReconnet->isActive());
+    }
+
+    // "OV": the user is told, nothing after it is handled, and the server's close that follows
+    // does not start reconnecting; logging in again later works.
+    void oldVersionEndsSessionUntilLoginAgain()
     {
         Session s;
-        s.state.lobbyPort = 1; // nothing listens on port 1 of loopback
+        QVERIFY(CredentialsFile::write(s.userFile(), {"Ann", "x1"}));
         s.login->autoLogin();
-        QTRY_COMPARE(s.lines.last(), QStringLiteral("Could not connect"));
-        QVERIFY(!s.tmrReconnet.isActive());
+        QVERIFY(s.server.waitForConnection(1));
+        QVERIFY(s.server.expect("VEV 6.0\x0F"));
+        s.server.send("OV\x0FSL\x0F");
+        s.server.dropClient();
+        QTRY_COMPARE(s.dialogs.messages.size(), 1);
+        QVERIFY(s.dialogs.messages[0].contains(QStringLiteral("too old")));
+        QCOMPARE(s.lines, (QStringList{"Trying to connect...", s.dialogs.messages[0]}));
+        QTest::qWait(400);
+        QCOMPARE(s.server.connectionCount(), 1);
+        QCOMPARE(s.server.received(), QByteArray());
+        QVERIFY(!s.tmrReconnet->isActive());
+
+        s.lines.clear();
+        s.login->loginPressed();
+        QVERIFY(s.logIn(2));
+        QCOMPARE(s.lines, (QStringList{"Trying to connect...", "Connected"}));
     }
 
     void picLogInOpensDialogWhileOffline()

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QTime>
+
+namespace client {
+
+class Clock;
+
+// One line of the lobby chat: when it was added, who it is from, and its text in its colour.
+struct ChatLine
+{
+    QTime time;
+    QString name;
+    QColor colour;
+    QString text;
+};
+
+// The lines of the lobby chat in the order they were added: "MD" lines from the server and the
+// program's own status lines. It only grows, for the whole session; views watch
+// `lineAppended`. Holds no widget, so the handlers that feed it never touch one.
+class ChatLog : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ChatLog(const Clock &clock, QObject *parent = nullptr);
+
+    // Appends one line stamped with the current time. `colour` is a number in the 0x00BBGGRR
+    // form as decimal text ("255" is red); a text that is not such a number is black.
+    void append(const QString &name, const QString &colour, const QString &text);
+
+    const QList<ChatLine> &lines() const { return m_lines; }
+
+Q_SIGNALS:
+    void lineAppended(const client::ChatLine &line);
+
+private:
+    const Clock &m_clock;
+    QList<ChatLine> m_lines;
+};
+
+} // namespace client
