@@ -3,10 +3,10 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
-#include "client/platform/soundplayer.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/picturebutton.h"
+#include "support/clientfakes.h"
 #include "support/scriptedserver.h"
 
 #include <QApplication>
@@ -19,13 +19,6 @@
 using namespace client;
 
 namespace {
-
-class RecordingPlayer final : public SoundPlayer
-{
-public:
-    void play(const QString &file) override { played << file; }
-    QStringList played;
-};
 
 // The login controller with real sockets against a scripted server; user.txt in a
 // temporary folder stands for the login window's boxes as they are after it is recreated.
@@ -104,7 +97,7 @@ private Q_SLOTS:
 
     void refusedLoginDoesNotReconnect()
     {
-        Session s;
+        Session s(20);
         s.login->autoLogin();
         QVERIFY(s.server.waitForConnection(1));
         QVERIFY(s.server.expect("VEV 6.0\x0F"));
@@ -114,7 +107,7 @@ private Q_SLOTS:
         s.server.send("LF\x0F");
         QTRY_COMPARE(s.lines.last(), QStringLiteral("Wrong name or password"));
         QTRY_VERIFY(s.connection.isClosed());
-        QTest::qWait(400);
+        QTest::qWait(ScriptedServer::kQuietMs);
         QCOMPARE(s.server.connectionCount(), 1);
         QVERIFY(!s.tmrReconnet.isActive());
         QVERIFY(!s.state.isOnline());
@@ -139,14 +132,14 @@ private Q_SLOTS:
 
     void logoutThenServerCloseDoesNotReconnect()
     {
-        Session s;
+        Session s(20);
         s.login->autoLogin();
         QVERIFY(s.logIn());
         s.login->picLogInClicked(); // online: logs out
         QCOMPARE(s.lines.last(), QStringLiteral("Logged out"));
         QVERIFY(s.state.loggedOFF);
         s.server.dropClient();
-        QTest::qWait(400);
+        QTest::qWait(ScriptedServer::kQuietMs);
         QCOMPARE(s.server.connectionCount(), 1);
         QVERIFY(!s.lines.contains(QStringLiteral("Diconnected")));
         QVERIFY(!s.state.isOnline());
