@@ -1,7 +1,8 @@
-// The quorvel-server command line: the listening line, refusals with clear messages and
-// non-zero exits, the account commands working on the database file, and what the lobby
-// acknowledged surviving a kill.
+// The quorvel-server command line: the options as read, the listening line, refusals with
+// clear messages and non-zero exits, the account commands working on the database file, and
+// what the lobby acknowledged surviving a kill.
 #include "lobbytest.h"
+#include "server/serveroptions.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -126,6 +127,25 @@ private Q_SLOTS:
                                                          ? "$argon2id$v=19$m=8,t=1,"
                                                          : "$argon2id$v=19$m=19456,t=2,"),
                      account.passwordHash.constData());
+    }
+
+    void lobbyOptions()
+    {
+        const auto parsed = server::parseCommandLine(
+            {"quorvel-server", "--listen", "::1", "--port", "0", "--http-port", "8080", "--db",
+             "/tmp/x.sqlite", "--versions", "V 6.0,,V 6.1 ", "--registration", "open",
+             "--login-timeout", "2.5", "--idle-timeout", "60", "--hash-cost", "minimal"});
+        const auto *options = std::get_if<server::ServerOptions>(&parsed);
+        QVERIFY(options);
+        QCOMPARE(options->listenAddress, QHostAddress("::1"));
+        QCOMPARE(options->port, quint16(0));
+        QCOMPARE(options->httpPort, quint16(8080));
+        QCOMPARE(options->databasePath, "/tmp/x.sqlite");
+        QCOMPARE(options->lobby.versions, QStringList({"V 6.0", "V 6.1"}));
+        QVERIFY(options->lobby.openRegistration);
+        QCOMPARE(options->lobby.loginTimeoutMs, 2500); // seconds on the command line
+        QCOMPARE(options->lobby.idleTimeoutMs, 60000);
+        QCOMPARE(options->hashCost, server::HashCost::Minimal);
     }
 
 private:

@@ -1,6 +1,7 @@
 // Getting into the lobby: version check, login, open registration, second logins, the welcome
-// sequence and the time limits.
+// sequence, the time limits and the slow-down of repeated failures.
 #include "lobbytest.h"
+#include "server/loginthrottle.h"
 
 #include <QElapsedTimer>
 
@@ -108,7 +109,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("sent");
         QTest::addColumn<bool>("accepted");
         QTest::newRow("first listed") << "V 6.0" << true;
-        QTest::newRow("second listed") << "V 6.1" << true;
         QTest::newRow("older") << "V 5.9" << false;
         QTest::newRow("other case") << "v 6.0" << false;
     }
@@ -175,6 +175,29 @@ private Q_SLOTS:
         QVERIFY(!quiet->isConnected());
         QVERIFY(!neverLogsIn->isConnected());
         QCOMPARE(namesOf(anna->takeAll(Code::RemovePlayer)), QStringList({"Quiet"}));
+    }
+
+    void throttleSchedule()
+    {
+        server::ManualClock clock;
+        server::LoginThrottle throttle(clock);
+        const QString address = "10.0.0.1";
+        QList<qint64> delays;
+        for (int i = 0; i < 10; ++i) {
+            delays.append(throttle.delayFor(address));
+            throttle.recordFailure(address);
+        }
+        QCOMPARE(delays, QList<qint64>({0, 0, 0, 1000, 2000, 4000, 8000, 16000, 30000, 30000}));
+        // Other addresses are not slowed down by it.
+        QCOMPARE(throttle.delayFor("10.0.0.2"), 0);
+        // Forgotten after a quiet while, and at once after a success.
+        clock.advance(server::LoginThrottle::kForgetMs);
+        QCOMPARE(throttle.delayFor(address), 0);
+        for (int i = 0; i < 5; ++i)
+            throttle.recordFailure(address);
+        QVERIFY(throttle.delayFor(address) > 0);
+        throttle.recordSuccess(address);
+        QCOMPARE(throttle.delayFor(address), 0);
     }
 
     void repeatedFailuresAreSlowedDown()

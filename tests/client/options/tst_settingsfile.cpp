@@ -3,7 +3,6 @@
 #include "client/options/settingsfile.h"
 
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace client;
@@ -62,21 +61,6 @@ private Q_SLOTS:
         Options options;
         SettingsFile::parse(content, options);
         QCOMPARE(summary(options), loaded);
-    }
-
-    void readsTheFileItWrote()
-    {
-        QTemporaryDir dir;
-        const QString path = dir.filePath(SettingsFile::fileName());
-        Options options;
-        options.setSound(true);
-        QVERIFY(!SettingsFile::read(path, options)); // no file yet: the values stay
-        QVERIFY(options.sound());
-        options.captureHotKey(122);
-        QVERIFY(SettingsFile::write(path, options));
-        Options reread;
-        QVERIFY(SettingsFile::read(path, reread));
-        QCOMPARE(summary(reread), summary(options));
     }
 
     void randomBytesNeverCrash()
