@@ -29,8 +29,6 @@ private Q_SLOTS:
         QVERIFY(h.tray.shown);
         QCOMPARE(h.tray.tip, QStringLiteral("Logged out"));
         QCOMPARE(h.app.session().textSendTime, h.clock.now());
-        QCOMPARE(h.app.session().lobbyServerHost, QStringLiteral("localhost"));
-        QCOMPARE(h.app.session().lobbyPort, quint16(20000));
         QCOMPARE(h.app.session().webHost, QStringLiteral("localhost"));
         // No settings and no game installed: the user is told to choose a game folder.
         QCOMPARE(h.dialogs.asked,

@@ -91,10 +91,10 @@ private Q_SLOTS:
         w.chkReset->click();
 
         // Shift, and a key without a code, keep the name shown.
-        const QList<std::tuple<Qt::Key, QString, QString>> presses{
-            {Qt::Key_F10, "121", "F10"}, {Qt::Key_F11, "122", "F11"},
-            {Qt::Key_F12, "123", "F12"}, {Qt::Key_Q, "81", "Q"},
-            {Qt::Key_Shift, "16", "Q"},  {Qt::Key_VolumeUp, "16", "Q"}};
+        const QList<std::tuple<Qt::Key, QString, QString>> presses{{Qt::Key_F10, "121", "F10"},
+                                                                   {Qt::Key_Q, "81", "Q"},
+                                                                   {Qt::Key_Shift, "16", "Q"},
+                                                                   {Qt::Key_VolumeUp, "16", "Q"}};
         for (const auto &[key, tag, text] : presses) {
             QTest::keyClick(w.txtHotKey, key);
             QCOMPARE(m_options->hotKeyTag(), tag);
