@@ -27,8 +27,8 @@ using protocol::Message;
 QList<QStringList> fieldsOf(const QList<Message> &messages);
 QStringList namesOf(const QList<Message> &messages); // the first field of each
 
-// A lobby client for server tests: a real socket that sends messages and
-// collects what the server sends, cut into messages as the client cuts them.
+// A lobby client for server tests: a real socket that sends messages and collects what the server
+// sends, cut into messages as the client cuts them.
 class TestClient
 {
 public:
@@ -50,16 +50,15 @@ public:
         m_socket.flush();
     }
 
-    // Waits up to `timeoutMs` for `count` messages with `code`, then removes and
-    // returns the first `count` of them there are.
+    // Waits up to `timeoutMs` for `count` messages with `code`, then removes and returns the first
+    // `count` of them there are.
     QList<Message> takeCount(Code code, int count, int timeoutMs = 5000);
     std::optional<Message> take(Code code, int timeoutMs = 5000)
     {
         const QList<Message> taken = takeCount(code, 1, timeoutMs);
         return taken.isEmpty() ? std::nullopt : std::optional(taken.first());
     }
-    // Removes and returns every message with `code` received so far, without
-    // waiting.
+    // Removes and returns every message with `code` received so far, without waiting.
     QList<Message> takeAll(Code code) { return takeCount(code, INT_MAX, 0); }
     bool hasPending(Code code, const QString &first = QString()) const;
     // Waits for the chat line `text` and removes it; false when it does not come.
@@ -67,13 +66,12 @@ public:
     const QList<Message> &pending() const { return m_messages; } // received, not taken
     void clear() { m_messages.clear(); }
 
-    // True when every byte received forms complete messages of known codes, each
-    // with exactly its field count: nothing for a client to skip or misread.
+    // True when every byte received forms complete messages of known codes, each with exactly its
+    // field count: nothing for a client to skip or misread.
     bool receivedOnlyWellFormed() const { return !m_malformed && m_cut == m_received; }
 
     bool greet(const QString &version = "V 6.0"); // "VE"; true on "SL"
-    // Greets and logs in; the "LT" on success. Leaves the welcome ("AN", "AR")
-    // pending.
+    // Greets and logs in; the "LT" on success. Leaves the welcome ("AN", "AR") pending.
     std::optional<Message> login(const QString &name, const QString &password,
                                  const QString &version = "V 6.0");
 
@@ -86,9 +84,9 @@ private:
     bool m_malformed = false;
 };
 
-// A lobby server in the test process on an ephemeral loopback port, over a
-// fresh database in a temporary folder, hashing passwords at the least cost.
-// Its clock for the chat limit stands still until advanced.
+// A lobby server in the test process on an ephemeral loopback port, over a fresh database in a
+// temporary folder, hashing passwords at the least cost. Its clock for the chat limit stands still
+// until advanced.
 class TestLobby
 {
 public:
@@ -97,16 +95,15 @@ public:
     int addAccount(const QString &name, const QString &password = "pw",
                    const QString &email = QString()); // its id
     int idOf(const QString &name) const { return accounts.findByName(name)->id; }
-    // A new client logged in as `name` (created when missing), returned once the
-    // players logged in before have heard of it. A failed login fails the test.
+    // A new client logged in as `name` (created when missing), returned once the players logged in
+    // before have heard of it. A failed login fails the test.
     TestClient *loggedIn(const QString &name);
     TestClient *connected(); // a new client that has said nothing yet
 
-    // Returns once every client from loggedIn(), and `via`, has received all the
-    // server sent before it read what `via` has sent so far (and anything else
-    // already answered): `via` sends a chat line that reaches everyone after all
-    // of that, and which is then removed. The chat clock moves on first, so a
-    // test of the chat limit cannot use it.
+    // Returns once every client from loggedIn(), and `via`, has received all the server sent before
+    // it read what `via` has sent so far (and anything else already answered): `via` sends a chat
+    // line that reaches everyone after all of that, and which is then removed. The chat clock moves
+    // on first, so a test of the chat limit cannot use it.
     bool sync(TestClient *via);
 
     QTemporaryDir dir;
