@@ -1,5 +1,6 @@
 // libFuzzer target: any bytes, in any split into arrivals, through the client's receive loop.
-// Every handler must get exactly its field count, and nothing may crash or leak.
+// Every handler must get exactly its field count, no complete message may stay undispatched,
+// and nothing may crash or leak.
 #include "client/lobby/lobbydispatcher.h"
 
 #include <cstdint>
@@ -24,6 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         dispatcher.receive(QByteArrayView(reinterpret_cast<const char *>(data + at), qsizetype(n)));
         if (dispatcher.isHalted())
             dispatcher.clear();
+        else if (dispatcher.pending().contains(protocol::kTerminator))
+            std::abort();
     }
     return 0;
 }

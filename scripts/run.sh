@@ -7,6 +7,7 @@
 # Ctrl+C (or closing the clients) stops everything.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/lib.sh
 
 second=0
 for arg in "$@"; do
@@ -36,24 +37,8 @@ cleanup() {
 }
 trap cleanup EXIT INT TERM
 
-build/src/server/quorvel-server --listen 127.0.0.1 --port 0 --http-port 0 \
-    --db "$run_dir/lobby.sqlite" --registration open >"$run_dir/server.log" 2>&1 &
-pids+=($!)
-
-port=""
-for _ in $(seq 100); do
-    port=$(sed -n 's/^lobby listening on .*:\([0-9]\+\)$/\1/p' "$run_dir/server.log")
-    [[ -n $port ]] && break
-    if ! kill -0 "${pids[0]}" 2>/dev/null; then
-        cat "$run_dir/server.log" >&2
-        exit 1
-    fi
-    sleep 0.1
-done
-if [[ -z $port ]]; then
-    echo "the lobby server did not start; see $run_dir/server.log" >&2
-    exit 1
-fi
+start_lobby "$run_dir"
+port=$lobby_port
 echo "lobby server on 127.0.0.1:$port (log: $run_dir/server.log)"
 
 # A client with saved credentials and "Auto login" ticked.

@@ -5,6 +5,7 @@
 #   scripts/screenshot.sh [OUTPUT.png]     default docs/screenshot.png
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/lib.sh
 out=${1:-docs/screenshot.png}
 run_dir=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-shot.XXXXXX")
 pids=()
@@ -20,16 +21,8 @@ Xvfb "$display" -screen 0 800x600x24 >/dev/null 2>&1 &
 pids+=($!)
 export DISPLAY=$display
 
-build/src/server/quorvel-server --listen 127.0.0.1 --port 0 --http-port 0 \
-    --db "$run_dir/lobby.sqlite" --registration open >"$run_dir/server.log" 2>&1 &
-pids+=($!)
-port=""
-for _ in $(seq 100); do
-    port=$(sed -n 's/^lobby listening on .*:\([0-9]\+\)$/\1/p' "$run_dir/server.log")
-    [[ -n $port ]] && break
-    sleep 0.1
-done
-[[ -n $port ]] || { cat "$run_dir/server.log" >&2; exit 1; }
+start_lobby "$run_dir"
+port=$lobby_port
 
 # A scripted player: logs in, then sends what it is given, then stays.
 bot() {

@@ -28,7 +28,7 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     server::AccountStore accounts(database);
     server::BuddyStore buddies(database);
     server::DiagnosticStore diagnostics(database);
-    server::PasswordWorker passwords;
+    server::PasswordWorker passwords(options.hashCost);
     server::SteadyClock clock;
     server::LobbyServer lobby(options.lobby, accounts, buddies, diagnostics, passwords, clock);
     if (!lobby.listen(options.listenAddress, options.port)) {

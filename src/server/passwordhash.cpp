@@ -17,14 +17,16 @@ bool sodiumReady()
 }
 } // namespace
 
-QByteArray hashPassword(const QString &password)
+QByteArray hashPassword(const QString &password, HashCost cost)
 {
     if (!sodiumReady())
         return {};
+    const bool minimal = cost == HashCost::Minimal;
     const QByteArray utf8 = password.toUtf8();
     char out[crypto_pwhash_STRBYTES];
     if (crypto_pwhash_str(out, utf8.constData(), static_cast<unsigned long long>(utf8.size()),
-                          kOpsLimit, kMemLimit) != 0)
+                          minimal ? crypto_pwhash_OPSLIMIT_MIN : kOpsLimit,
+                          minimal ? crypto_pwhash_MEMLIMIT_MIN : kMemLimit) != 0)
         return {};
     return QByteArray(out);
 }
@@ -38,7 +40,7 @@ bool verifyPassword(const QByteArray &hash, const QString &password)
                                     static_cast<unsigned long long>(utf8.size())) == 0;
 }
 
-PasswordWorker::PasswordWorker(int threads)
+PasswordWorker::PasswordWorker(HashCost cost, int threads) : m_cost(cost)
 {
     m_pool.setMaxThreadCount(qMax(1, threads));
 }
@@ -54,8 +56,8 @@ void PasswordWorker::hash(const QString &password, QObject *context,
     // The guard is only read back on the receiver's thread, where `context` lives.
     QPointer<QObject> guard(context);
     QObject *receiver = &m_receiver;
-    m_pool.start([password, guard, receiver, done = std::move(done)] {
-        QByteArray result = hashPassword(password);
+    m_pool.start([password, cost = m_cost, guard, receiver, done = std::move(done)] {
+        QByteArray result = hashPassword(password, cost);
         QMetaObject::invokeMethod(
             receiver,
             [guard, done, result = std::move(result)] {

@@ -25,6 +25,9 @@ const QString kUsage = QStringLiteral(
     "                           (default closed)\n"
     "  --login-timeout S        seconds a new connection has to log in (default 30)\n"
     "  --idle-timeout S         seconds a logged-in connection may stay silent (default 95)\n"
+    "  --hash-cost standard|minimal  work per password hash of a registration (default\n"
+    "                           standard); minimal is for test runs only, its hashes are\n"
+    "                           cheap to guess\n"
     "  --help                   this text\n");
 
 std::optional<quint16> parsePort(const QString &text)
@@ -97,7 +100,7 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
     parser.addOptions({valueOption("listen"), valueOption("port"), valueOption("http-port"),
                        valueOption("db"), valueOption("versions"), valueOption("registration"),
                        valueOption("login-timeout"), valueOption("idle-timeout"),
-                       valueOption("email"), valueOption("colour"),
+                       valueOption("hash-cost"), valueOption("email"), valueOption("colour"),
                        QCommandLineOption(QStringLiteral("help"))});
     if (!parser.parse(arguments))
         return OptionsError{parser.errorText() + QLatin1Char('\n') + kUsage};
@@ -149,6 +152,13 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
         if (policy != QLatin1String("open") && policy != QLatin1String("closed"))
             return OptionsError{QStringLiteral("--registration is open or closed")};
         options.lobby.openRegistration = policy == QLatin1String("open");
+    }
+    if (parser.isSet(QStringLiteral("hash-cost"))) {
+        const QString cost = parser.value(QStringLiteral("hash-cost"));
+        if (cost != QLatin1String("standard") && cost != QLatin1String("minimal"))
+            return OptionsError{QStringLiteral("--hash-cost is standard or minimal")};
+        options.hashCost =
+            cost == QLatin1String("minimal") ? HashCost::Minimal : HashCost::Standard;
     }
     for (const auto &[name, target] : {std::pair{"login-timeout", &options.lobby.loginTimeoutMs},
                                        std::pair{"idle-timeout", &options.lobby.idleTimeoutMs}}) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/lobbyconfig.h"
+#include "server/passwordhash.h"
 
 #include <QHostAddress>
 #include <QString>
@@ -20,6 +21,7 @@ struct ServerOptions
     quint16 httpPort = 80;
     QString databasePath;
     LobbyConfig lobby;
+    HashCost hashCost = HashCost::Standard; // of the passwords registered while it runs
 };
 
 // An admin command on the database: "account add|password|moderator|list".

@@ -1,24 +1,5 @@
 #include "lobbytest.h"
 
-#include <QDeadlineTimer>
-#include <QRegularExpression>
-#include <QTest>
-
-namespace {
-const QString kExecutable = QStringLiteral(QUORVEL_BINARY_DIR "/src/server/quorvel-server");
-}
-
-bool waitUntil(const std::function<bool()> &done, int timeoutMs)
-{
-    QDeadlineTimer deadline(timeoutMs);
-    while (!done()) {
-        if (deadline.hasExpired())
-            return false;
-        QTest::qWait(2);
-    }
-    return true;
-}
-
 QList<QStringList> fieldsOf(const QList<Message> &messages)
 {
     QList<QStringList> out;
@@ -80,6 +61,17 @@ bool TestClient::hasPending(Code code, const QString &first) const
     });
 }
 
+bool TestClient::takeChatLine(const QString &text)
+{
+    const auto isLine = [&](const Message &m) {
+        return m.code == Code::ChatLine && m.field(2) == text;
+    };
+    waitUntil([&] {
+        return !isConnected() || std::any_of(m_messages.cbegin(), m_messages.cend(), isLine);
+    });
+    return m_messages.removeIf(isLine) == 1;
+}
+
 bool TestClient::greet(const QString &version)
 {
     send(Code::Version, {version});
@@ -101,7 +93,7 @@ std::optional<Message> TestClient::login(const QString &name, const QString &pas
 
 TestLobby::TestLobby(server::LobbyConfig config)
 {
-    database.open(dir.filePath(QStringLiteral("lobby.sqlite")));
+    database.open(dir.filePath("lobby.sqlite"));
     server = std::make_unique<server::LobbyServer>(config, accounts, buddies, diagnostics,
                                                    passwords, clock);
     listening = server->listen(QHostAddress::LocalHost, 0);
@@ -109,7 +101,8 @@ TestLobby::TestLobby(server::LobbyConfig config)
 
 int TestLobby::addAccount(const QString &name, const QString &password, const QString &email)
 {
-    const auto account = accounts.create(name, server::hashPassword(password), email);
+    const QByteArray hash = server::hashPassword(password, server::HashCost::Minimal);
+    const auto account = accounts.create(name, hash, email);
     return account ? account->id : 0;
 }
 
@@ -118,12 +111,14 @@ TestClient *TestLobby::loggedIn(const QString &name)
     if (!accounts.findByName(name))
         addAccount(name);
     TestClient *client = connected();
-    if (!client->login(name, QStringLiteral("pw")))
+    const auto accepted = client->login(name, "pw");
+    if (!accepted)
         QTest::qFail(qPrintable(QStringLiteral("%1 could not log in").arg(name)), __FILE__,
                      __LINE__);
+    const QString stored = accepted ? accepted->field(1) : name;
     for (TestClient *other : std::as_const(m_loggedIn))
         waitUntil(
-            [&] { return !other->isConnected() || other->hasPending(Code::AddPlayer, name); });
+            [&] { return !other->isConnected() || other->hasPending(Code::AddPlayer, stored); });
     m_loggedIn.append(client);
     return client;
 }
@@ -134,37 +129,13 @@ TestClient *TestLobby::connected()
     return m_clients.back().get();
 }
 
-bool ServerProcess::start(const QStringList &arguments)
+bool TestLobby::sync(TestClient *via)
 {
-    m_process.start(kExecutable, arguments + QStringList{"--port", "0"});
-    static const QRegularExpression line(QStringLiteral("^lobby listening on .+:(\\d+)\\n"));
-    QByteArray out;
-    waitUntil(
-        [&] {
-            m_process.waitForReadyRead(50);
-            out += m_process.readAllStandardOutput();
-            m_port = line.match(QString::fromUtf8(out)).captured(1).toUShort();
-            return m_port != 0 || m_process.state() == QProcess::NotRunning;
-        },
-        10000);
-    return m_port != 0;
-}
-
-void ServerProcess::killHard()
-{
-    m_process.kill();
-    m_process.waitForFinished(5000);
-}
-
-ServerProcess::Result ServerProcess::run(const QStringList &arguments)
-{
-    QProcess process;
-    process.start(kExecutable, arguments);
-    Result result;
-    if (!process.waitForFinished(30000))
-        return result; // killed by the QProcess destructor
-    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    clock.advance(10'000);
+    const QString marker = QStringLiteral("sync %1").arg(++m_syncs);
+    via->send(Code::ChatLine, {marker});
+    bool ok = m_loggedIn.contains(via) || via->takeChatLine(marker);
+    for (TestClient *client : std::as_const(m_loggedIn))
+        ok = (client->takeChatLine(marker) || !client->isConnected()) && ok;
+    return ok;
 }

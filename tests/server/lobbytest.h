@@ -11,25 +11,24 @@
 #include "server/lobbyconfig.h"
 #include "server/lobbyserver.h"
 #include "server/passwordhash.h"
+#include "support/serverprocess.h"
+#include "support/wait.h"
 
-#include <QProcess>
 #include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QTest>
 #include <climits>
-#include <functional>
 #include <memory>
 #include <optional>
 
 using protocol::Code;
 using protocol::Message;
 
-// Runs the event loop until `done` holds or `timeoutMs` passes; whether it holds.
-bool waitUntil(const std::function<bool()> &done, int timeoutMs = 5000);
 QList<QStringList> fieldsOf(const QList<Message> &messages);
 QStringList namesOf(const QList<Message> &messages); // the first field of each
 
-// A lobby client for server tests: a real socket that sends messages and collects what the
-// server sends, cut into messages as the client cuts them.
+// A lobby client for server tests: a real socket that sends messages and collects what the server
+// sends, cut into messages as the client cuts them.
 class TestClient
 {
 public:
@@ -38,7 +37,7 @@ public:
     bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
     bool waitForDisconnected()
     {
-        return waitUntil([this] { return m_socket.state() == QAbstractSocket::UnconnectedState; });
+        return waitUntil([this] { return !isConnected(); });
     }
     void close() { m_socket.disconnectFromHost(); } // as a client that quits
     void send(Code code, const QStringList &fields = {})
@@ -51,28 +50,30 @@ public:
         m_socket.flush();
     }
 
-    // Waits up to `timeoutMs` for `count` messages with `code`, then removes and returns the
-    // first `count` of them there are.
+    // Waits up to `timeoutMs` for `count` messages with `code`, then removes and returns the first
+    // `count` of them there are.
     QList<Message> takeCount(Code code, int count, int timeoutMs = 5000);
     std::optional<Message> take(Code code, int timeoutMs = 5000)
     {
         const QList<Message> taken = takeCount(code, 1, timeoutMs);
         return taken.isEmpty() ? std::nullopt : std::optional(taken.first());
     }
-    // Lets the server run for `ms`, then removes and returns every message with `code`.
-    QList<Message> takeAllAfter(Code code, int ms = 300) { return takeCount(code, INT_MAX, ms); }
+    // Removes and returns every message with `code` received so far, without waiting.
+    QList<Message> takeAll(Code code) { return takeCount(code, INT_MAX, 0); }
     bool hasPending(Code code, const QString &first = QString()) const;
+    // Waits for the chat line `text` and removes it; false when it does not come.
+    bool takeChatLine(const QString &text);
     const QList<Message> &pending() const { return m_messages; } // received, not taken
     void clear() { m_messages.clear(); }
 
-    // True when every byte received forms complete messages of known codes, each with
-    // exactly its field count: nothing for a client to skip or misread.
+    // True when every byte received forms complete messages of known codes, each with exactly its
+    // field count: nothing for a client to skip or misread.
     bool receivedOnlyWellFormed() const { return !m_malformed && m_cut == m_received; }
 
-    bool greet(const QString &version = QStringLiteral("V 6.0")); // "VE"; true on "SL"
+    bool greet(const QString &version = "V 6.0"); // "VE"; true on "SL"
     // Greets and logs in; the "LT" on success. Leaves the welcome ("AN", "AR") pending.
     std::optional<Message> login(const QString &name, const QString &password,
-                                 const QString &version = QStringLiteral("V 6.0"));
+                                 const QString &version = "V 6.0");
 
 private:
     QTcpSocket m_socket;
@@ -83,27 +84,34 @@ private:
     bool m_malformed = false;
 };
 
-// A lobby server in the test process on an ephemeral loopback port, over a fresh database
-// in a temporary folder. Its clock for the chat limit stands still until advanced.
+// A lobby server in the test process on an ephemeral loopback port, over a fresh database in a
+// temporary folder, hashing passwords at the least cost. Its clock for the chat limit stands still
+// until advanced.
 class TestLobby
 {
 public:
     explicit TestLobby(server::LobbyConfig config = {});
 
-    int addAccount(const QString &name, const QString &password = QStringLiteral("pw"),
+    int addAccount(const QString &name, const QString &password = "pw",
                    const QString &email = QString()); // its id
     int idOf(const QString &name) const { return accounts.findByName(name)->id; }
-    // A new client logged in as `name` (created when missing), returned once the players
-    // logged in before have heard of it. A failed login fails the test.
+    // A new client logged in as `name` (created when missing), returned once the players logged in
+    // before have heard of it. A failed login fails the test.
     TestClient *loggedIn(const QString &name);
     TestClient *connected(); // a new client that has said nothing yet
+
+    // Returns once every client from loggedIn(), and `via`, has received all the server sent before
+    // it read what `via` has sent so far (and anything else already answered): `via` sends a chat
+    // line that reaches everyone after all of that, and which is then removed. The chat clock moves
+    // on first, so a test of the chat limit cannot use it.
+    bool sync(TestClient *via);
 
     QTemporaryDir dir;
     server::Database database;
     server::AccountStore accounts{database};
     server::BuddyStore buddies{database};
     server::DiagnosticStore diagnostics{database};
-    server::PasswordWorker passwords;
+    server::PasswordWorker passwords{server::HashCost::Minimal};
     server::ManualClock clock;
     std::unique_ptr<server::LobbyServer> server;
     bool listening = false;
@@ -111,28 +119,5 @@ public:
 private:
     std::vector<std::unique_ptr<TestClient>> m_clients; // closed before the server goes
     QList<TestClient *> m_loggedIn;
-};
-
-// The real quorvel-server executable in a child process, for what only a process can show:
-// its command line, its exit codes, and surviving a kill.
-class ServerProcess
-{
-public:
-    ~ServerProcess() { killHard(); }
-    // Starts the lobby with `arguments` plus "--port 0" and waits for its listening line.
-    bool start(const QStringList &arguments);
-    quint16 port() const { return m_port; }
-    void killHard(); // SIGKILL, no chance to clean up
-
-    struct Result
-    {
-        int exitCode = -1;
-        QString out;
-        QString err;
-    };
-    static Result run(const QStringList &arguments); // to its end
-
-private:
-    QProcess m_process;
-    quint16 m_port = 0;
+    int m_syncs = 0;
 };

@@ -43,19 +43,27 @@ public:
     QStringList played;
 };
 
-// Answers every dialog at once and remembers what was asked.
+// Answers every dialog at once in the user's place: message boxes from `answers` (Ok when
+// empty), file dialogs from `files` (cancelled when empty). Remembers each question in
+// `asked`: a message box by its text, " [Yes/No]" added when it asks so; a file dialog as
+// "file: FILTER".
 class FakeDialogs final : public client::Dialogs
 {
 public:
-    QStringList messages;
-    Answer answer = Answer::Ok;
+    QList<Answer> answers;
+    QStringList files;
+    QStringList asked;
 
-    Answer messageBox(const QString &, const QString &text, Buttons, Icon) override
+    Answer messageBox(const QString &, const QString &text, Buttons buttons, Icon) override
     {
-        messages << text;
-        return answer;
+        asked << text + (buttons == Buttons::YesNo ? " [Yes/No]" : "");
+        return answers.isEmpty() ? Answer::Ok : answers.takeFirst();
     }
-    QString openFileName(const QString &, const QString &) override { return {}; }
+    QString openFileName(const QString &, const QString &filter) override
+    {
+        asked << "file: " + filter;
+        return files.isEmpty() ? QString() : files.takeFirst();
+    }
     QString inputBox(const QString &, const QString &, const QString &, bool) override
     {
         return {};

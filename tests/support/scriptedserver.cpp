@@ -1,6 +1,6 @@
 #include "scriptedserver.h"
 
-#include <QTest>
+#include "wait.h"
 
 ScriptedServer::ScriptedServer(QObject *parent) : QObject(parent)
 {
@@ -22,9 +22,7 @@ ScriptedServer::ScriptedServer(QObject *parent) : QObject(parent)
 
 bool ScriptedServer::expect(const QByteArray &bytes, int timeoutMs)
 {
-    QDeadlineTimer deadline(timeoutMs);
-    while (m_received.size() < bytes.size() && !deadline.hasExpired())
-        QTest::qWait(5);
+    waitUntil([&] { return m_received.size() >= bytes.size(); }, timeoutMs);
     if (!m_received.startsWith(bytes)) {
         qWarning() << "expected" << bytes << "received" << m_received;
         return false;
@@ -35,10 +33,7 @@ bool ScriptedServer::expect(const QByteArray &bytes, int timeoutMs)
 
 bool ScriptedServer::waitForConnection(int n, int timeoutMs)
 {
-    QDeadlineTimer deadline(timeoutMs);
-    while (m_connections < n && !deadline.hasExpired())
-        QTest::qWait(5);
-    return m_connections >= n;
+    return waitUntil([&] { return m_connections >= n; }, timeoutMs);
 }
 
 void ScriptedServer::send(const QByteArray &bytes)

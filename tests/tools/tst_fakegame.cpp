@@ -1,41 +1,19 @@
+#include "support/serverprocess.h"
+
 #include <QNetworkDatagram>
-#include <QProcess>
 #include <QTest>
 #include <QUdpSocket>
 
 namespace {
 
-const QString kFakeGame = QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/fakegame");
-
-// A fakegame answering its status query on 127.0.0.1 and a free port.
-struct FakeGame
-{
-    QProcess process;
-    quint16 port = 0;
-
-    bool start(const QStringList &arguments)
-    {
-        process.start(kFakeGame, QStringList{"-server", "0", "-bind", "127.0.0.1"} + arguments);
-        if (!process.waitForStarted() || !process.waitForReadyRead(5000))
-            return false;
-        const QList<QByteArray> words = process.readLine().trimmed().split(' ');
-        port = words.size() == 3 ? words[2].toUShort() : 0;
-        return port != 0;
-    }
-    ~FakeGame()
-    {
-        process.kill();
-        process.waitForFinished();
-    }
-};
-
-// Sends one datagram and returns the first answer, or nothing within the time.
-QByteArray ask(quint16 port, const QByteArray &request, int waitMs = 2000)
+// Sends the datagrams from one socket and returns the first answer, or nothing within 2 s.
+QByteArray ask(quint16 port, const QList<QByteArray> &requests)
 {
     QUdpSocket socket;
     socket.bind(QHostAddress::LocalHost, 0);
-    socket.writeDatagram(request, QHostAddress::LocalHost, port);
-    return socket.waitForReadyRead(waitMs) ? socket.receiveDatagram().data() : QByteArray();
+    for (const QByteArray &request : requests)
+        socket.writeDatagram(request, QHostAddress::LocalHost, port);
+    return socket.waitForReadyRead(2000) ? socket.receiveDatagram().data() : QByteArray();
 }
 
 } // namespace
@@ -77,10 +55,11 @@ private Q_SLOTS:
         QFETCH(QByteArray, order);
         QFETCH(QByteArray, lacks);
 
-        FakeGame game;
-        QVERIFY(game.start(arguments));
-        QCOMPARE(ask(game.port, "\\info\\", 200), QByteArray());
-        const QByteArray reply = ask(game.port, "\\status\\");
+        ServerProcess game;
+        QVERIFY(
+            game.start(kFakeGame, QStringList{"-server", "0", "-bind", "127.0.0.1"} + arguments));
+        // An answer to the other query would come first.
+        const QByteArray reply = ask(game.port(), {"\\info\\", "\\status\\"});
         QVERIFY2(reply.startsWith("\\gamename\\roguespear\\gamever\\"), reply.constData());
         qsizetype from = 0;
         for (const QByteArray &part : order.split('|')) {
@@ -89,8 +68,8 @@ private Q_SLOTS:
             from += part.size();
         }
         QVERIFY2(reply.endsWith("\\queryid\\1.1") && !reply.contains(lacks), reply.constData());
-        QVERIFY(reply.contains("\\hostport\\" + QByteArray::number(game.port) + "\\"));
-        QVERIFY(ask(game.port, "\\status\\").endsWith("\\queryid\\2.1"));
+        QVERIFY(reply.contains("\\hostport\\" + QByteArray::number(game.port()) + "\\"));
+        QVERIFY(ask(game.port(), {"\\status\\"}).endsWith("\\queryid\\2.1"));
     }
 
     void refusesBadCommandLines()
@@ -98,12 +77,9 @@ private Q_SLOTS:
         for (const QStringList &arguments :
              {QStringList{"-hostname", "x"}, QStringList{"-server", "abc"},
               QStringList{"-server", "0", "-player", "Bob:1"}}) {
-            QProcess process;
-            process.start(kFakeGame, arguments);
-            QVERIFY(process.waitForFinished(5000));
-            QCOMPARE(process.exitCode(), 2);
-            QVERIFY2(process.readAllStandardError().startsWith("fakegame: "),
-                     qPrintable(arguments.join(u' ')));
+            const ServerProcess::Result result = ServerProcess::run(kFakeGame, arguments);
+            QCOMPARE(result.exitCode, 2);
+            QVERIFY2(result.err.startsWith("fakegame: "), qPrintable(arguments.join(u' ')));
         }
     }
 };

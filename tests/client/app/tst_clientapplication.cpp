@@ -1,21 +1,16 @@
 #include "client/app/appwindows.h"
-#include "client/app/clientapplication.h"
 #include "client/app/form1.h"
 #include "client/lobby/frmlogin.h"
 #include "client/lobby/lobbyconnection.h"
-#include "client/platform/registrylinux.h"
-#include "client/session/clock.h"
 #include "client/session/sessionstate.h"
-#include "client/session/tickcount.h"
 #include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
-#include "support/clientfakes.h"
+#include "support/appharness.h"
 
 #include <QDir>
 #include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
 
@@ -25,140 +20,100 @@ class TestClientApplication : public QObject
 {
     Q_OBJECT
 
-private:
-    FakeTray m_tray;
-    RecordingPlayer m_player;
-    ManualClock m_clock{QDateTime(QDate(2026, 11, 23), QTime(20, 15, 7))};
-
-    SystemTickCount m_ticks;
-    FakeDialogs m_dialogs;
-    std::unique_ptr<LinuxRegistry> m_registry;
-
-    ClientApplication::Services services()
-    {
-        const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-        m_registry = std::make_unique<LinuxRegistry>(
-            LinuxRegistry::defaultPaths(data + QStringLiteral("/Quorvel")));
-        return {&m_tray,
-                &m_player,
-                &m_clock,
-                &m_ticks,
-                m_registry.get(),
-                &m_dialogs,
-                QDir::homePath() + QStringLiteral("/.wine"),
-                data + QStringLiteral("/Quorvel")};
-    }
-
 private Q_SLOTS:
     void startUp()
     {
-        ClientApplication app(services(), ServerAddresses{});
-        QVERIFY(app.start());
-        const QString folder =
-            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-            QStringLiteral("/Quorvel");
-        QVERIFY(QDir(folder).exists());
-        QVERIFY(app.form().isVisible());
-        QCOMPARE(app.form().size(), QSize(800, 600));
-        QVERIFY(m_tray.shown);
-        QCOMPARE(m_tray.tip, QStringLiteral("Logged out"));
-        QCOMPARE(app.session().textSendTime, m_clock.now());
-        QCOMPARE(app.session().lobbyServerHost, QStringLiteral("localhost"));
-        QCOMPARE(app.session().lobbyPort, quint16(20000));
-        QCOMPARE(app.session().webHost, QStringLiteral("localhost"));
-        QCOMPARE(app.form().picLogIn->tag(), QStringLiteral("OFFLINE"));
+        AppHarness h;
+        QVERIFY(h.app.start());
+        QVERIFY(QDir(h.dataFolder()).exists());
+        QVERIFY(h.app.form().isVisible());
+        QVERIFY(h.tray.shown);
+        QCOMPARE(h.tray.tip, QStringLiteral("Logged out"));
+        QCOMPARE(h.app.session().textSendTime, h.clock.now());
+        QCOMPARE(h.app.session().webHost, QStringLiteral("localhost"));
         // No settings and no game installed: the user is told to choose a game folder.
-        QCOMPARE(m_dialogs.messages,
+        QCOMPARE(h.dialogs.asked,
                  QStringList{"Could not find path to game, select at least one game in options"});
-        QVERIFY(!app.form().picCreateRoom->isVisible());
-        QVERIFY(!app.connection().isConnected());
+        QVERIFY(!h.app.form().picCreateRoom->isVisible());
+        QVERIFY(!h.app.connection().isConnected());
         const QList<std::pair<const char *, int>> timers = {
             {"tmrReconnet", 20000}, {"Timer1", 10000}, {"tmrStatsReset", 500}};
         for (const auto &[name, interval] : timers) {
-            const auto *timer = app.findChild<QTimer *>(QLatin1String(name));
+            const auto *timer = h.app.findChild<QTimer *>(QLatin1String(name));
             QVERIFY2(timer, name);
             QCOMPARE(timer->interval(), interval);
             QVERIFY(!timer->isActive());
         }
     }
 
-    void windowsExistOnceAndReloadAfterUnload()
-    {
-        ClientApplication app(services(), ServerAddresses{});
-        AppWindows &windows = app.windows();
-        QVERIFY(!windows.isRoomLoaded());
-        BorderlessWindow *room = windows.frmRoom();
-        QVERIFY(windows.isRoomLoaded());
-        QCOMPARE(windows.frmRoom(), room);
-        QPointer<BorderlessWindow> old(room);
-        windows.unloadAll();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(old.isNull());
-        QVERIFY(!windows.isRoomLoaded());
-        QVERIFY(windows.frmRoom() != nullptr);
-    }
-
     void loginWindowReadsUserFileWhenCreated()
     {
-        ClientApplication app(services(), ServerAddresses{});
-        QVERIFY(app.start());
-        FrmLogIn *window = app.windows().frmLogIn();
+        AppHarness h;
+        QVERIFY(h.app.start());
+        FrmLogIn *window = h.app.windows().frmLogIn();
         window->txtName->setText(QStringLiteral("typed"));
         // Closing without Login forgets what was typed.
         QTest::mouseClick(window->Picture2, Qt::LeftButton);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!app.windows().isLoginLoaded());
-        QVERIFY(app.windows().frmLogIn()->txtName->text().isEmpty());
+        QVERIFY(!h.app.windows().isLoginLoaded());
+        QVERIFY(h.app.windows().frmLogIn()->txtName->text().isEmpty());
     }
 
+    // Windows exist once each until unloaded; the shut-down unloads them in its fixed order and
+    // destroys them, the pager too.
     void shutDownUnloadsInOrder()
     {
-        auto app = std::make_unique<ClientApplication>(services(), ServerAddresses{});
-        QVERIFY(app->start());
-        AppWindows &windows = app->windows();
+        AppHarness h;
+        QVERIFY(h.app.start());
+        AppWindows &windows = h.app.windows();
+        QVERIFY(!windows.isRoomLoaded());
+        QPointer<BorderlessWindow> room(windows.frmRoom());
+        QVERIFY(windows.isRoomLoaded());
+        QCOMPARE(windows.frmRoom(), room.data());
         // Touch them in another order than the shut-down's.
         windows.frmGameInfo();
         windows.frmLogIn();
-        windows.frmRoom();
         QPointer<QWidget> pager(windows.frmPager());
         pager->show();
         windows.frmOptions();
         QSignalSpy unloaded(&windows, &AppWindows::unloaded);
-        QSignalSpy finished(app.get(), &ClientApplication::shutDownFinished);
+        QSignalSpy finished(&h.app, &ClientApplication::shutDownFinished);
 
-        QTest::mouseClick(app->form().Picture2, Qt::LeftButton);
+        QTest::mouseClick(h.app.form().Picture2, Qt::LeftButton);
 
         QCOMPARE(finished.count(), 1);
-        QVERIFY(app->session().exitPager);
+        QVERIFY(h.app.session().exitPager);
         QStringList order;
         for (const QList<QVariant> &args : unloaded)
             order << args.at(0).toString();
         QCOMPARE(order,
                  (QStringList{"frmPager", "frmOptions", "frmRoom", "frmLogIn", "frmGameInfo"}));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY2(pager.isNull(), "the pager is destroyed, not hidden");
-        QVERIFY(!m_tray.shown);
-        QVERIFY(!app->form().isVisible());
+        QVERIFY2(pager.isNull() && room.isNull(), "the windows are destroyed, not hidden");
+        QVERIFY(!windows.isRoomLoaded());
+        QVERIFY(windows.frmRoom() != nullptr);
+        QVERIFY(!h.tray.shown);
+        QVERIFY(!h.app.form().isVisible());
     }
 
     // Hidden to the tray, the program ends through its shut-down only: closing the last other
     // window leaves it running, and Quit in the tray's menu runs the shut-down.
     void hiddenToTrayEndsOnlyThroughTheShutDown()
     {
-        ClientApplication app(services(), ServerAddresses{});
-        QVERIFY(app.start());
-        QTest::mouseClick(app.form().Picture4, Qt::LeftButton);
-        QVERIFY(!app.form().isVisible());
-        QWidget *menu = app.windows().frmMenu();
+        AppHarness h;
+        QVERIFY(h.app.start());
+        QTest::mouseClick(h.app.form().Picture4, Qt::LeftButton);
+        QVERIFY(!h.app.form().isVisible());
+        QWidget *menu = h.app.windows().frmMenu();
         menu->show();
-        connect(&app, &ClientApplication::shutDownFinished, this,
+        connect(&h.app, &ClientApplication::shutDownFinished, this,
                 [] { QCoreApplication::exit(1); });
         QTimer::singleShot(0, menu, &QWidget::close);
-        QTimer::singleShot(100, &m_tray, &FakeTray::chooseQuit);
-        QTimer::singleShot(5000, &app, [] { QCoreApplication::exit(2); });
+        QTimer::singleShot(100, &h.tray, &FakeTray::chooseQuit);
+        QTimer::singleShot(5000, &h.app, [] { QCoreApplication::exit(2); });
         QCOMPARE(QCoreApplication::exec(), 1);
-        QVERIFY(app.session().exitPager);
-        QVERIFY(!m_tray.shown);
+        QVERIFY(h.app.session().exitPager);
+        QVERIFY(!h.tray.shown);
     }
 };
 

@@ -1,14 +1,18 @@
+// The lobby connection: nothing goes out unless it is connected, and the keep-alive goes out
+// on every third tick of the detection timer.
+#include "client/lobby/keepalive.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/lobby/onlinetimer.h"
+#include "client/session/sessionstate.h"
+#include "support/scriptedserver.h"
 
 #include "protocol/message.h"
 
-#include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 
 using namespace client;
+using namespace std::chrono_literals;
 
 using protocol::Code;
 
@@ -16,56 +20,51 @@ class TestConnection : public QObject
 {
     Q_OBJECT
 
-private:
-    // A connection to a listening server, and the server's end of it.
-    struct Pair
-    {
-        QTcpServer server;
-        LobbyDispatcher dispatcher;
-        LobbyConnection connection{dispatcher};
-        QTcpSocket *peer = nullptr;
-    };
-
-    static bool open(Pair &pair)
-    {
-        if (!pair.server.listen(QHostAddress::LocalHost))
-            return false;
-        QSignalSpy connected(&pair.connection, &LobbyConnection::connected);
-        pair.connection.connectToLobby(QStringLiteral("127.0.0.1"), pair.server.serverPort());
-        if (!pair.server.waitForNewConnection(5000))
-            return false;
-        pair.peer = pair.server.nextPendingConnection();
-        return connected.wait(5000) || connected.count() == 1;
-    }
-
 private Q_SLOTS:
     void sendsNothingUnlessConnected()
     {
-        Pair pair;
-        QVERIFY(pair.server.listen(QHostAddress::LocalHost));
+        ScriptedServer server;
+        LobbyDispatcher dispatcher;
+        LobbyConnection connection(dispatcher);
         // Not connected at all, then while the connection is still being made.
-        QVERIFY(!pair.connection.sendLobbyMessage(Code::ChatLine, {"early"}));
-        pair.connection.connectToLobby(QStringLiteral("127.0.0.1"), pair.server.serverPort());
-        QVERIFY(!pair.connection.sendLobbyMessage(Code::ChatLine, {"connecting"}));
-        QVERIFY(pair.server.waitForNewConnection(5000));
-        QTcpSocket *peer = pair.server.nextPendingConnection();
-        QTRY_VERIFY(pair.connection.isConnected());
-        QVERIFY(pair.connection.sendLobbyMessage(Code::RoomChat, {"hej"}));
-        QTRY_VERIFY(peer->bytesAvailable() > 0);
-        QTest::qWait(50);
-        QCOMPARE(peer->readAll(), QByteArray("\xD6Mhej\x0F"));
+        QVERIFY(!connection.sendLobbyMessage(Code::ChatLine, {"early"}));
+        connection.connectToLobby(QStringLiteral("127.0.0.1"), server.port());
+        QVERIFY(!connection.sendLobbyMessage(Code::ChatLine, {"connecting"}));
+        QTRY_VERIFY(connection.isConnected());
+        QVERIFY(connection.sendLobbyMessage(Code::RoomChat, {"hej"}));
+        QVERIFY(server.expect("\xD6Mhej\x0F")); // what went out before would come first
     }
 
-    void peerCloseIsADrop()
+    // Every third tick sends "PI", connected or not; the detection timer drives the ticks while
+    // logged in, and only then.
+    void keepAliveEveryThirdTick()
     {
-        Pair pair;
-        QVERIFY(open(pair));
-        QSignalSpy dropped(&pair.connection, &LobbyConnection::dropped);
-        pair.peer->disconnectFromHost();
-        QTRY_COMPARE(dropped.count(), 1);
-        QVERIFY(!pair.connection.isConnected());
-        QTest::qWait(50);
-        QCOMPARE(dropped.count(), 1);
+        ScriptedServer server;
+        LobbyDispatcher dispatcher;
+        LobbyConnection connection(dispatcher);
+        SessionState session;
+        OnlineTimer timer1(session, 5ms);
+        KeepAlive keepAlive(timer1, session, connection);
+        for (int tick = 1; tick <= 4; ++tick)
+            keepAlive.tick();
+        QCOMPARE(session.keepAliveTicks, 2); // 1 -> 2, 3, 1 (would have sent), 2
+
+        connection.connectToLobby(QStringLiteral("127.0.0.1"), server.port());
+        QTRY_VERIFY(connection.isConnected());
+        QByteArray expected;
+        for (int tick = 1; tick <= 6; ++tick) {
+            keepAlive.tick();
+            // A line after each tick shows which tick sent what.
+            connection.sendLobbyMessage(Code::ChatLine, {QString::number(tick)});
+            expected += (tick % 3 == 2 ? "PI\x0F" : "") +
+                        protocol::buildMessage(Code::ChatLine, {QString::number(tick)});
+        }
+        QVERIFY(server.expect(expected));
+        QVERIFY(!timer1.isActive());
+        session.setOnline(true);
+        QVERIFY(server.expect("PI\x0F"));
+        session.setOnline(false);
+        QVERIFY(!timer1.isActive());
     }
 };
 

@@ -41,12 +41,13 @@ struct Session
     std::unique_ptr<LoginController> login;
     QTimer *tmrReconnet = nullptr;
 
-    Session()
+    explicit Session(int reconnectMs = 150)
     {
         state.lobbyServerHost = QStringLiteral("127.0.0.1");
         state.lobbyPort = server.port();
-        login = std::make_unique<LoginController>(connection, dispatcher, state, sounds, dialogs,
-                                                  userFile(), 150ms);
+        login =
+            std::make_unique<LoginController>(connection, dispatcher, state, sounds, dialogs,
+                                              userFile(), std::chrono::milliseconds(reconnectMs));
         QObject::connect(login.get(), &LoginController::statusLine,
                          [this](const QString &line) { lines << line; });
         QObject::connect(login.get(), &LoginController::playerListResetRequested,
@@ -95,7 +96,7 @@ private Q_SLOTS:
 
     void refusedLoginDoesNotReconnect()
     {
-        Session s;
+        Session s(20);
         s.login->autoLogin();
         QVERIFY(s.server.waitForConnection(1));
         QVERIFY(s.server.expect("VEV 6.0\x0F"));
@@ -105,7 +106,7 @@ private Q_SLOTS:
         s.server.send("LF\x0F");
         QTRY_COMPARE(s.lines.last(), QStringLiteral("Wrong name or password"));
         QTRY_VERIFY(s.connection.isClosed());
-        QTest::qWait(400);
+        QTest::qWait(ScriptedServer::kQuietMs);
         QCOMPARE(s.server.connectionCount(), 1);
         QVERIFY(!s.tmrReconnet->isActive());
         QVERIFY(!s.state.isOnline());
@@ -130,14 +131,14 @@ private Q_SLOTS:
 
     void logoutThenServerCloseDoesNotReconnect()
     {
-        Session s;
+        Session s(20);
         s.login->autoLogin();
         QVERIFY(s.logIn());
         s.login->picLogInClicked(); // online: logs out
         QCOMPARE(s.lines.last(), QStringLiteral("Logged out"));
         QVERIFY(s.state.loggedOFF);
         s.server.dropClient();
-        QTest::qWait(400);
+        QTest::qWait(ScriptedServer::kQuietMs);
         QCOMPARE(s.server.connectionCount(), 1);
         QVERIFY(!s.lines.contains(QStringLiteral("Diconnected")));
         QVERIFY(!s.state.isOnline());
@@ -163,7 +164,7 @@ private Q_SLOTS:
         QTRY_COMPARE(s.lines.size(), 2);
         QCOMPARE(s.lines, (QStringList{"Trying to connect...", "Could not connect"}));
         QVERIFY(s.connection.isClosed());
-        QTest::qWait(400);
+        QTest::qWait(ScriptedServer::kQuietMs);
         QCOMPARE(s.lines.size(), 2);
         QVERIFY(!s.tmrReconnet->isActive());
     }
@@ -179,10 +180,10 @@ private Q_SLOTS:
         QVERIFY(s.server.expect("VEV 6.0\x0F"));
         s.server.send("OV\x0FSL\x0F");
         s.server.dropClient();
-        QTRY_COMPARE(s.dialogs.messages.size(), 1);
-        QVERIFY(s.dialogs.messages[0].contains(QStringLiteral("too old")));
-        QCOMPARE(s.lines, (QStringList{"Trying to connect...", s.dialogs.messages[0]}));
-        QTest::qWait(400);
+        QTRY_COMPARE(s.dialogs.asked.size(), 1);
+        QVERIFY(s.dialogs.asked[0].contains(QStringLiteral("too old")));
+        QCOMPARE(s.lines, (QStringList{"Trying to connect...", s.dialogs.asked[0]}));
+        QTest::qWait(ScriptedServer::kQuietMs);
         QCOMPARE(s.server.connectionCount(), 1);
         QCOMPARE(s.server.received(), QByteArray());
         QVERIFY(!s.tmrReconnet->isActive());

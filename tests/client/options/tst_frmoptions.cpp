@@ -4,10 +4,11 @@
 #include "client/options/hotkeyedit.h"
 #include "client/options/options.h"
 #include "client/options/optionsstore.h"
-#include "client/platform/dialogs.h"
 #include "client/platform/registryautostart.h"
 #include "client/platform/registrylinux.h"
 #include "client/ui/picturebutton.h"
+#include "support/clientfakes.h"
+#include "support/files.h"
 
 #include <QCheckBox>
 #include <QDir>
@@ -22,43 +23,6 @@
 
 using namespace client;
 
-namespace {
-
-// Answers in the user's place from queues (Ok, or a cancelled file dialog, when empty) and
-// records every question.
-class ScriptedDialogs final : public Dialogs
-{
-public:
-    Answer messageBox(const QString &, const QString &text, Buttons buttons, Icon) override
-    {
-        asked << text + (buttons == Buttons::YesNo ? " [Yes/No]" : "");
-        return answers.isEmpty() ? Answer::Ok : answers.takeFirst();
-    }
-    QString openFileName(const QString &, const QString &filter) override
-    {
-        asked << "file: " + filter;
-        return files.isEmpty() ? QString() : files.takeFirst();
-    }
-    QString inputBox(const QString &, const QString &, const QString &, bool) override
-    {
-        return {};
-    }
-
-    QList<Answer> answers;
-    QStringList files;
-    QStringList asked;
-};
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
-
-} // namespace
-
 class TestFrmOptions : public QObject
 {
     Q_OBJECT
@@ -66,7 +30,7 @@ class TestFrmOptions : public QObject
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<Options> m_options;
-    std::unique_ptr<ScriptedDialogs> m_dialogs;
+    std::unique_ptr<FakeDialogs> m_dialogs;
     std::unique_ptr<OptionsStore> m_store;
     std::unique_ptr<FrmOptions> m_window;
 
@@ -98,7 +62,7 @@ private Q_SLOTS:
         m_dir = std::make_unique<QTemporaryDir>();
         QDir().mkpath(dataFolder());
         m_options = std::make_unique<Options>();
-        m_dialogs = std::make_unique<ScriptedDialogs>();
+        m_dialogs = std::make_unique<FakeDialogs>();
         QFile::remove(autostartEntryPath());
     }
     void cleanup()
@@ -128,10 +92,10 @@ private Q_SLOTS:
         w.chkReset->click();
 
         // Shift, and a key without a code, keep the name shown.
-        const QList<std::tuple<Qt::Key, QString, QString>> presses{
-            {Qt::Key_F10, "121", "F10"}, {Qt::Key_F11, "122", "F11"},
-            {Qt::Key_F12, "123", "F12"}, {Qt::Key_Q, "81", "Q"},
-            {Qt::Key_Shift, "16", "Q"},  {Qt::Key_VolumeUp, "16", "Q"}};
+        const QList<std::tuple<Qt::Key, QString, QString>> presses{{Qt::Key_F10, "121", "F10"},
+                                                                   {Qt::Key_Q, "81", "Q"},
+                                                                   {Qt::Key_Shift, "16", "Q"},
+                                                                   {Qt::Key_VolumeUp, "16", "Q"}};
         for (const auto &[key, tag, text] : presses) {
             QTest::keyClick(w.txtHotKey, key);
             QCOMPARE(m_options->hotKeyTag(), tag);
@@ -261,9 +225,9 @@ private Q_SLOTS:
         QFETCH(QString, pathBlackOps);
         QFETCH(bool, warned);
         if (!settings.isEmpty())
-            writeFile(settingsPath(), settings);
+            QVERIFY(writeFile(settingsPath(), settings));
         for (const QString &file : installed)
-            writeFile(winePrefix() + file, "MZ");
+            QVERIFY(writeFile(winePrefix() + file, "MZ"));
         const auto inPrefix = [this](const QString &path) {
             return path.contains("drive_c") ? QDir::toNativeSeparators(winePrefix()) + path : path;
         };
@@ -294,7 +258,7 @@ private Q_SLOTS:
         QFETCH(QString, entry);
         QFETCH(bool, ticked);
         if (!settings.isEmpty())
-            writeFile(settingsPath(), settings);
+            QVERIFY(writeFile(settingsPath(), settings));
         if (!entry.isEmpty())
             QVERIFY(AutostartEntry::write(autostartEntryPath(), entry));
         LinuxRegistry registry(LinuxRegistry::defaultPaths(dataFolder()));

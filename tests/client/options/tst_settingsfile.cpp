@@ -3,7 +3,6 @@
 #include "client/options/settingsfile.h"
 
 #include <QFile>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -94,23 +93,6 @@ private Q_SLOTS:
         Options reread;
         QVERIFY(SettingsFile::read(path, reread));
         QCOMPARE(summary(reread), summary(options));
-    }
-
-    void randomBytesNeverCrash()
-    {
-        QRandomGenerator random(1234);
-        for (int i = 0; i < 3000; ++i) {
-            QByteArray bytes(random.bounded(200), Qt::Uninitialized);
-            for (char &b : bytes)
-                b = char(random.bounded(256));
-            // Line ends and digits often enough to reach every line of the reader.
-            for (int k = 0; k < bytes.size(); k += 1 + random.bounded(6))
-                bytes[k] = "\n\r01 "[random.bounded(5)];
-            Options options;
-            SettingsFile::parse(bytes, options);
-            QVERIFY(options.hotKeyText().isEmpty() ||
-                    !HotKeys::displayName(options.hotKey().value_or(0)).isEmpty());
-        }
     }
 
     void hotKeyNamesAtTheEdgesOfTheTable()

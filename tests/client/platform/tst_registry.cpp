@@ -2,6 +2,7 @@
 #include "client/platform/registryautostart.h"
 #include "client/platform/registrylinux.h"
 #include "client/platform/registrywine.h"
+#include "support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -45,12 +46,6 @@ const QByteArray kSystemReg =
     "\n"
     "[Software\\\\Wow6432Node\\\\Red Storm Entertainment\\\\Black Ops] 1700000002\n"
     "\"MultiplayerPlayerName\"=\"Alice\"\n";
-
-bool writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
 
 } // namespace
 

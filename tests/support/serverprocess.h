@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+
+// Programs of this build that tests run as child processes.
+inline const QString kLobbyServer = QStringLiteral(QUORVEL_BINARY_DIR "/src/server/quorvel-server");
+inline const QString kFakeGame = QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/fakegame");
+
+// A server program in a child process that names its port at the end of its first line of
+// output ("lobby listening on 127.0.0.1:PORT", "status 127.0.0.1 PORT"). Killed when it goes.
+class ServerProcess
+{
+public:
+    ~ServerProcess() { killHard(); }
+    // True once the program has said its port, within 10 s.
+    bool start(const QString &program, const QStringList &arguments);
+    quint16 port() const { return m_port; }
+    void killHard(); // SIGKILL, no chance to clean up
+
+    struct Result
+    {
+        int exitCode = -1; // -1: crashed or hung
+        QString out;
+        QString err;
+    };
+    static Result run(const QString &program, const QStringList &arguments); // to its end
+
+private:
+    QProcess m_process;
+    quint16 m_port = 0;
+};
