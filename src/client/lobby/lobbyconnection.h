@@ -33,8 +33,13 @@ public:
     bool isConnected() const;
     bool isClosed() const;
 
-    // Sends code + fields as one message while connected; otherwise drops it silently.
-    // True when it was handed to the socket.
+    // Sends a server-bound message struct (protocol's login.h, presence.h, chat.h, rooms.h,
+    // stats.h) while connected; otherwise drops it silently. True when it was handed to the
+    // socket.
+    template <typename T> bool send(const T &message) { return sendBytes(message.encode()); }
+
+    // The old path: code + fields spelled out, under the same rule. Left for the login and the
+    // lobby chat until they send message structs.
     bool sendLobbyMessage(protocol::Code code, const QStringList &fields = {});
 
     QTcpSocket *socket() const { return m_socket; }
@@ -45,6 +50,7 @@ Q_SIGNALS:
     void connectFailed(QAbstractSocket::SocketError error);
 
 private:
+    bool sendBytes(const QByteArray &bytes);
     void onError(QAbstractSocket::SocketError error);
     void onDisconnected();
 

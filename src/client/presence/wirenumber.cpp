@@ -13,9 +13,4 @@ std::optional<double> readWholeNumber(const QString &text)
     return std::floor(value) + 0.0; // + 0.0 turns -0 into 0
 }
 
-QString wholeNumberText(double value)
-{
-    return QString::number(value, 'f', 0);
-}
-
 } // namespace client

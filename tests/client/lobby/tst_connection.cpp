@@ -1,7 +1,8 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 
-#include "protocol/message.h"
+#include "protocol/chat.h"
+#include "protocol/rooms.h"
 
 #include <QSignalSpy>
 #include <QTcpServer>
@@ -9,8 +10,6 @@
 #include <QTest>
 
 using namespace client;
-
-using protocol::Code;
 
 class TestConnection : public QObject
 {
@@ -44,13 +43,13 @@ private Q_SLOTS:
         Pair pair;
         QVERIFY(pair.server.listen(QHostAddress::LocalHost));
         // Not connected at all, then while the connection is still being made.
-        QVERIFY(!pair.connection.sendLobbyMessage(Code::ChatLine, {"early"}));
+        QVERIFY(!pair.connection.send(protocol::ChatLineToServer{"early"}));
         pair.connection.connectToLobby(QStringLiteral("127.0.0.1"), pair.server.serverPort());
-        QVERIFY(!pair.connection.sendLobbyMessage(Code::ChatLine, {"connecting"}));
+        QVERIFY(!pair.connection.send(protocol::ChatLineToServer{"connecting"}));
         QVERIFY(pair.server.waitForNewConnection(5000));
         QTcpSocket *peer = pair.server.nextPendingConnection();
         QTRY_VERIFY(pair.connection.isConnected());
-        QVERIFY(pair.connection.sendLobbyMessage(Code::RoomChat, {"hej"}));
+        QVERIFY(pair.connection.send(protocol::RoomChat{"hej"}));
         QTRY_VERIFY(peer->bytesAvailable() > 0);
         QTest::qWait(50);
         QCOMPARE(peer->readAll(), QByteArray("\xD6Mhej\x0F"));
