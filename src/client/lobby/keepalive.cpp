@@ -3,6 +3,7 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/onlinetimer.h"
 #include "client/session/sessionstate.h"
+#include "protocol/login.h"
 
 namespace client {
 
@@ -18,7 +19,7 @@ void KeepAlive::tick()
     ++m_session.keepAliveTicks;
     if (m_session.keepAliveTicks > 3) {
         m_session.keepAliveTicks = 1;
-        m_connection.sendLobbyMessage(protocol::Code::KeepAlive);
+        m_connection.send(protocol::KeepAlive{});
     }
 }
 

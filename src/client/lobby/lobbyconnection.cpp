@@ -54,11 +54,11 @@ bool LobbyConnection::isClosed() const
     return m_socket->state() == QAbstractSocket::UnconnectedState;
 }
 
-bool LobbyConnection::sendLobbyMessage(protocol::Code code, const QStringList &fields)
+bool LobbyConnection::sendBytes(const QByteArray &bytes)
 {
     if (!isConnected())
         return false;
-    m_socket->write(protocol::buildMessage(code, fields));
+    m_socket->write(bytes);
     return true;
 }
 

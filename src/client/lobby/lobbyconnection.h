@@ -1,10 +1,9 @@
 #pragma once
 
-#include "protocol/codes.h"
+#include <QByteArray>
 
 #include <QAbstractSocket>
 #include <QObject>
-#include <QStringList>
 #include <chrono>
 
 class QTcpSocket;
@@ -43,9 +42,10 @@ public:
     bool isConnected() const;
     bool isClosed() const;
 
-    // Sends code + fields as one message while connected; otherwise drops it silently.
-    // True when it was handed to the socket.
-    bool sendLobbyMessage(protocol::Code code, const QStringList &fields = {});
+    // Sends a server-bound message struct (protocol's login.h, presence.h, chat.h, rooms.h,
+    // stats.h) while connected; otherwise drops it silently. True when it was handed to the
+    // socket.
+    template <typename T> bool send(const T &message) { return sendBytes(message.encode()); }
 
     QTcpSocket *socket() const { return m_socket; }
 
@@ -55,6 +55,7 @@ Q_SIGNALS:
     void connectFailed(QAbstractSocket::SocketError error);
 
 private:
+    bool sendBytes(const QByteArray &bytes);
     void onError(QAbstractSocket::SocketError error);
     void onDisconnected();
     void onConnectTimeout();

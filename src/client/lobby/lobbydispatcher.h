@@ -1,11 +1,13 @@
 #pragma once
 
+#include "protocol/decoded.h"
 #include "protocol/framebuffer.h"
 #include "protocol/message.h"
 
 #include <QObject>
 #include <array>
 #include <functional>
+#include <utility>
 
 namespace client {
 
@@ -30,6 +32,22 @@ public:
 
     explicit LobbyDispatcher(QObject *parent = nullptr);
 
+    // Registers `handler(const T &)` for the client-bound message struct T (protocol's login.h,
+    // presence.h, chat.h, rooms.h), which gets the message decoded; replaces any handler of its
+    // code. A client-bound decode fails only on a wrong code or field count, and the loop
+    // hands over neither; such a message would be dropped.
+    template <typename T, typename F> void on(F handler)
+    {
+        setHandler(T::kCode, [handler = std::move(handler)](const protocol::Message &message) {
+            if (const protocol::Decoded<T> decoded = T::decode(message))
+                handler(*decoded);
+        });
+    }
+    // Unregisters the handler of T's code: its messages are consumed and ignored again.
+    template <typename T> void off() { setHandler(T::kCode, {}); }
+
+    // The message as cut into fields, for what exercises the loop itself over every code (its
+    // tests, the fuzzer, the benchmark); handlers of the program register with `on`.
     void setHandler(protocol::Code code, Handler handler);
 
     // The data-arrival event: append and dispatch every complete message.

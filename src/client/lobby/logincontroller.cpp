@@ -7,13 +7,12 @@
 #include "client/session/clientversion.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
+#include "protocol/login.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 namespace client {
-
-using protocol::Code;
 
 LoginController::LoginController(LobbyConnection &connection, LobbyDispatcher &dispatcher,
                                  SessionState &session, EventSounds &sounds, Dialogs &dialogs,
@@ -31,25 +30,25 @@ LoginController::LoginController(LobbyConnection &connection, LobbyDispatcher &d
     connect(&m_connection, &LobbyConnection::connectFailed, this,
             &LoginController::onConnectFailed);
 
-    dispatcher.setHandler(Code::SendLogin, [this](const protocol::Message &) {
+    dispatcher.on<protocol::SendLogin>([this](const protocol::SendLogin &) {
         if (!m_connection.isConnected())
             return;
         // What was last saved, not what may stand typed in an open login window.
         const Credentials credentials = CredentialsFile::read(m_credentialsPath);
-        m_connection.sendLobbyMessage(Code::Login, {credentials.name, credentials.password});
+        m_connection.send(protocol::Login{credentials.name, credentials.password});
     });
-    dispatcher.setHandler(Code::LoginAccepted, [this](const protocol::Message &message) {
-        m_session.lobbyStatsId = message.field(0);
+    dispatcher.on<protocol::LoginAccepted>([this](const protocol::LoginAccepted &accepted) {
+        m_session.lobbyStatsId = accepted.statsId;
         Q_EMIT statsIdReceived(m_session.lobbyStatsId);
         Q_EMIT statusLine(QStringLiteral("Connected"));
         m_session.setOnline(true);
     });
-    dispatcher.setHandler(Code::LoginFailed, [this](const protocol::Message &) {
+    dispatcher.on<protocol::LoginFailed>([this](const protocol::LoginFailed &) {
         Q_EMIT statusLine(QStringLiteral("Wrong name or password"));
         // Closing from this side raises no drop, so nothing reconnects.
         m_connection.close();
     });
-    dispatcher.setHandler(Code::OldVersion, [this](const protocol::Message &) { onOldVersion(); });
+    dispatcher.on<protocol::OldVersion>([this](const protocol::OldVersion &) { onOldVersion(); });
 }
 
 void LoginController::autoLogin()
@@ -99,7 +98,7 @@ void LoginController::onConnected()
     Q_EMIT playerListResetRequested();
     Q_EMIT roomListEmptyRequested();
     m_tmrReconnet->stop();
-    m_connection.sendLobbyMessage(Code::Version, {clientVersion()});
+    m_connection.send(protocol::Version{clientVersion()});
     QCoreApplication::processEvents();
 }
 

@@ -2,6 +2,7 @@
 
 #include "client/lobby/lobbyconnection.h"
 #include "client/session/blanks.h"
+#include "protocol/chat.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
@@ -38,7 +39,7 @@ void ChatInput::send()
     const QString line = trimBlanks(m_input->text()).toString();
     if (line.isEmpty() || !m_guard.tryPass())
         return;
-    m_connection.sendLobbyMessage(protocol::Code::ChatLine, {line});
+    m_connection.send(protocol::ChatLineToServer{line});
     m_input->clear();
 }
 

@@ -1,18 +1,16 @@
 #include "client/presence/chatlog.h"
 
-#include "client/presence/wirenumber.h"
 #include "client/session/clock.h"
 
 namespace client {
 
 namespace {
 
-QColor colourFromNumber(const QString &text)
+QColor colourFromNumber(std::optional<quint32> colour)
 {
-    const std::optional<double> value = readWholeNumber(text);
-    if (!value || *value < 0 || *value > 0xFFFFFFFF)
+    if (!colour)
         return QColor(Qt::black);
-    const auto bgr = quint32(*value);
+    const quint32 bgr = *colour;
     return QColor(int(bgr & 0xFF), int((bgr >> 8) & 0xFF), int((bgr >> 16) & 0xFF));
 }
 
@@ -20,7 +18,7 @@ QColor colourFromNumber(const QString &text)
 
 ChatLog::ChatLog(const Clock &clock, QObject *parent) : QObject(parent), m_clock(clock) {}
 
-void ChatLog::append(const QString &name, const QString &colour, const QString &text)
+void ChatLog::append(const QString &name, std::optional<quint32> colour, const QString &text)
 {
     m_lines.append({m_clock.now().time(), name, colourFromNumber(colour), text});
     Q_EMIT lineAppended(m_lines.last());

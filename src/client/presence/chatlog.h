@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 #include <QTime>
+#include <optional>
 
 namespace client {
 
@@ -29,9 +30,9 @@ class ChatLog : public QObject
 public:
     explicit ChatLog(const Clock &clock, QObject *parent = nullptr);
 
-    // Appends one line stamped with the current time. `colour` is a number in the 0x00BBGGRR
-    // form as decimal text ("255" is red); a text that is not such a number is black.
-    void append(const QString &name, const QString &colour, const QString &text);
+    // Appends one line stamped with the current time. `colour` is 0x00BBGGRR (255 is red);
+    // none is black.
+    void append(const QString &name, std::optional<quint32> colour, const QString &text);
 
     const QList<ChatLine> &lines() const { return m_lines; }
 

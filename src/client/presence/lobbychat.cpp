@@ -3,6 +3,7 @@
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatinput.h"
 #include "client/presence/chatlog.h"
+#include "protocol/chat.h"
 
 namespace client {
 
@@ -17,19 +18,19 @@ LobbyChat::LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractBut
 
 void LobbyChat::registerHandler(LobbyDispatcher &dispatcher)
 {
-    dispatcher.setHandler(protocol::Code::ChatLine, [this](const protocol::Message &message) {
-        addChatLine(message.field(0), message.field(1), message.field(2));
+    dispatcher.on<protocol::ChatLineToClient>([this](const protocol::ChatLineToClient &line) {
+        addChatLine(line.name, line.colour, line.text);
     });
 }
 
-void LobbyChat::addChatLine(const QString &name, const QString &colour, const QString &text)
+void LobbyChat::addChatLine(const QString &name, std::optional<quint32> colour, const QString &text)
 {
     m_log->append(name, colour, text);
 }
 
 void LobbyChat::addStatusLine(const QString &text)
 {
-    addChatLine(statusSender(), QStringLiteral("0"), text);
+    addChatLine(statusSender(), 0, text);
 }
 
 } // namespace client

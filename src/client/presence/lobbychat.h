@@ -3,6 +3,7 @@
 #include "client/presence/chatbox.h"
 
 #include <QObject>
+#include <optional>
 
 class QAbstractButton;
 class QLineEdit;
@@ -36,8 +37,8 @@ public:
     // Shows incoming "MD" lines.
     void registerHandler(LobbyDispatcher &dispatcher);
 
-    // Appends one line; `colour` is the 0x00BBGGRR number as decimal text.
-    void addChatLine(const QString &name, const QString &colour, const QString &text);
+    // Appends one line; `colour` is 0x00BBGGRR, none is black.
+    void addChatLine(const QString &name, std::optional<quint32> colour, const QString &text);
     // A status line of the program: "QUORVEL" in black.
     void addStatusLine(const QString &text);
 

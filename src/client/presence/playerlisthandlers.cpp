@@ -2,20 +2,20 @@
 
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/playerlistmodel.h"
-#include "client/presence/wirenumber.h"
 #include "client/ui/icons.h"
+#include "protocol/number.h"
+#include "protocol/presence.h"
 
 namespace client {
 
 namespace {
 
-// The status code of a player in `state` (1 away, 2 playing, 3 lobby); "" for any other state.
-QString statusCode(const QString &state, bool buddy)
+// The status code of a player in `presence`; "" for none (a state other than 1, 2 or 3).
+QString statusCode(std::optional<protocol::Presence> presence, bool buddy)
 {
-    const std::optional<double> value = readWholeNumber(state);
-    if (!value || *value < 1 || *value > 3)
+    if (!presence)
         return {};
-    return QString::number(3 * (int(*value) - 1) + 1 + (buddy ? 1 : 0));
+    return QString::number(3 * (int(*presence) - 1) + 1 + (buddy ? 1 : 0));
 }
 
 } // namespace
@@ -24,41 +24,38 @@ PlayerListHandlers::PlayerListHandlers(PlayerListModel &model, LobbyDispatcher &
                                        QObject *parent)
     : QObject(parent), m_model(model)
 {
-    using protocol::Code;
-    dispatcher.setHandler(Code::AddPlayer, [this](const auto &m) { onAddPlayer(m); });
-    dispatcher.setHandler(Code::RemovePlayer, [this](const auto &m) { onRemovePlayer(m); });
-    dispatcher.setHandler(Code::PlayerStatus, [this](const auto &m) { onPlayerStatus(m); });
+    dispatcher.on<protocol::AddPlayer>([this](const auto &m) { onAddPlayer(m); });
+    dispatcher.on<protocol::RemovePlayer>([this](const auto &m) { onRemovePlayer(m); });
+    dispatcher.on<protocol::PlayerStatusToClient>([this](const auto &m) { onPlayerStatus(m); });
 }
 
-void PlayerListHandlers::onAddPlayer(const protocol::Message &message)
+void PlayerListHandlers::onAddPlayer(const protocol::AddPlayer &message)
 {
-    const QString gameAddress = message.field(3);
-    if (!gameAddress.isEmpty())
-        Q_EMIT addGameRowRequested(gameAddress);
+    if (!message.gameAddress.isEmpty())
+        Q_EMIT addGameRowRequested(message.gameAddress);
 
-    const bool buddy = message.field(4) == QLatin1String("1");
     PlayerListModel::Entry entry;
-    entry.texts[PlayerListModel::Name] = message.field(0);
-    entry.texts[PlayerListModel::IpToGame] = gameAddress;
-    entry.texts[PlayerListModel::EpostHash] = message.field(6);
-    entry.texts[PlayerListModel::VanTrue] = buddy ? QStringLiteral("1") : QStringLiteral("0");
-    entry.texts[PlayerListModel::PlayerStatus] = statusCode(message.field(2), buddy);
-    entry.bold = buddy;
-    entry.texts[PlayerListModel::Index] =
-        wholeNumberText(readWholeNumber(message.field(1)).value_or(0));
+    entry.texts[PlayerListModel::Name] = message.name;
+    entry.texts[PlayerListModel::IpToGame] = message.gameAddress;
+    entry.texts[PlayerListModel::EpostHash] = message.emailHash;
+    entry.texts[PlayerListModel::VanTrue] =
+        message.buddy ? QStringLiteral("1") : QStringLiteral("0");
+    entry.texts[PlayerListModel::PlayerStatus] = statusCode(message.presence, message.buddy);
+    entry.bold = message.buddy;
+    entry.texts[PlayerListModel::Index] = QString::number(message.id);
     entry.texts[PlayerListModel::PictureLoaded] = QStringLiteral("0");
     entry.texts[PlayerListModel::Message] = QStringLiteral("0");
     entry.texts[PlayerListModel::PingBild] = QString::number(Icons::OpenRoom);
-    if (message.field(5) == QLatin1String("True"))
+    if (message.highlighted)
         entry.colour = QColor(PlayerListModel::kHighlightColour);
     entry.icon = Icons::OpenRoom;
     m_model.addEntry(std::move(entry));
     m_model.countPlayers();
 }
 
-void PlayerListHandlers::onRemovePlayer(const protocol::Message &message)
+void PlayerListHandlers::onRemovePlayer(const protocol::RemovePlayer &message)
 {
-    const int row = m_model.findEntry(message.field(0));
+    const int row = m_model.findEntry(message.name);
     if (row >= 0) {
         bool isNumber = false;
         const qint64 index = m_model.text(row, PlayerListModel::Index).toLongLong(&isNumber);
@@ -72,25 +69,22 @@ void PlayerListHandlers::onRemovePlayer(const protocol::Message &message)
     m_model.countPlayers();
 }
 
-void PlayerListHandlers::onPlayerStatus(const protocol::Message &message)
+void PlayerListHandlers::onPlayerStatus(const protocol::PlayerStatusToClient &message)
 {
-    const int row = m_model.findEntry(message.field(0));
+    const int row = m_model.findEntry(message.name);
     if (row < 0)
         return;
-    bool isNumber = false;
-    const double buddyFlag = m_model.text(row, PlayerListModel::VanTrue).toDouble(&isNumber);
-    const bool buddy = isNumber && buddyFlag == 1;
+    const bool buddy = protocol::readNumber(m_model.text(row, PlayerListModel::VanTrue)) == 1.0;
     m_model.setBold(row, buddy);
-    const QString code = statusCode(message.field(1), buddy);
-    const QString newAddress = message.field(2);
+    const QString code = statusCode(message.presence, buddy);
     const QString oldAddress = m_model.text(row, PlayerListModel::IpToGame);
     // The address before the code: a new code moves the entry to another row.
-    m_model.setText(row, PlayerListModel::IpToGame, newAddress);
+    m_model.setText(row, PlayerListModel::IpToGame, message.gameAddress);
     if (!code.isEmpty())
         m_model.setText(row, PlayerListModel::PlayerStatus, code);
 
-    if (!newAddress.isEmpty())
-        Q_EMIT addGameRowRequested(newAddress);
+    if (!message.gameAddress.isEmpty())
+        Q_EMIT addGameRowRequested(message.gameAddress);
     else if (!oldAddress.isEmpty())
         Q_EMIT removeGameRowRequested(oldAddress);
     m_model.countPlayers();

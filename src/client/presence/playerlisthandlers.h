@@ -3,8 +3,10 @@
 #include <QObject>
 
 namespace protocol {
-struct Message;
-}
+struct AddPlayer;
+struct RemovePlayer;
+struct PlayerStatusToClient;
+} // namespace protocol
 
 namespace client {
 
@@ -37,9 +39,9 @@ Q_SIGNALS:
     void playerLeft(qint64 index);
 
 private:
-    void onAddPlayer(const protocol::Message &message);
-    void onRemovePlayer(const protocol::Message &message);
-    void onPlayerStatus(const protocol::Message &message);
+    void onAddPlayer(const protocol::AddPlayer &message);
+    void onRemovePlayer(const protocol::RemovePlayer &message);
+    void onPlayerStatus(const protocol::PlayerStatusToClient &message);
 
     PlayerListModel &m_model;
 };

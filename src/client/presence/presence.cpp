@@ -6,9 +6,8 @@ namespace client {
 
 bool sendPresence(LobbyConnection &connection, Presence state, const QString &gameAddress)
 {
-    return connection.sendLobbyMessage(
-        protocol::Code::PlayerStatus,
-        {QString::number(int(state)), state == Presence::Playing ? gameAddress : QString()});
+    return connection.send(protocol::PlayerStatusToServer{
+        state, state == Presence::Playing ? gameAddress : QString()});
 }
 
 } // namespace client

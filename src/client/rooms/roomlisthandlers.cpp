@@ -2,7 +2,7 @@
 
 #include "client/lobby/lobbydispatcher.h"
 #include "client/rooms/roomlistmodel.h"
-#include "protocol/message.h"
+#include "protocol/rooms.h"
 
 namespace client {
 
@@ -11,15 +11,6 @@ namespace {
 const QString kNotAvailable = QStringLiteral("N/A");
 const QString kInGame = QStringLiteral("In game");
 
-// The lock flag of "LR" is a number: exactly the value 1 locks, any other value (or text that
-// is no number) leaves the room open.
-bool isLockedNumber(const QString &flag)
-{
-    bool ok = false;
-    const double value = flag.trimmed().toDouble(&ok);
-    return ok && value == 1.0;
-}
-
 } // namespace
 
 RoomListHandlers::RoomListHandlers(RoomListModel &rooms, LobbyDispatcher &dispatcher,
@@ -27,65 +18,55 @@ RoomListHandlers::RoomListHandlers(RoomListModel &rooms, LobbyDispatcher &dispat
     : QObject(parent), m_rooms(rooms), m_dispatcher(&dispatcher),
       m_gameAddressInUse(std::move(gameAddressInUse))
 {
-    using protocol::Code;
-    dispatcher.setHandler(Code::AddRoom, [this](const auto &m) { onAddRoom(m); });
-    dispatcher.setHandler(Code::RemoveRoom, [this](const auto &m) { onRemoveRoom(m); });
-    dispatcher.setHandler(Code::RoomCount, [this](const auto &m) { onRoomCount(m); });
-    dispatcher.setHandler(Code::LockRoom, [this](const auto &m) { onLockRoom(m); });
+    dispatcher.on<protocol::AddRoomToClient>([this](const auto &m) { onAddRoom(m); });
+    dispatcher.on<protocol::RemoveRoomToClient>([this](const auto &m) { onRemoveRoom(m); });
+    dispatcher.on<protocol::RoomCount>([this](const auto &m) { onRoomCount(m); });
+    dispatcher.on<protocol::LockRoomToClient>([this](const auto &m) { onLockRoom(m); });
 }
 
 RoomListHandlers::~RoomListHandlers()
 {
     if (!m_dispatcher)
         return;
-    for (auto code : {protocol::Code::AddRoom, protocol::Code::RemoveRoom,
-                      protocol::Code::RoomCount, protocol::Code::LockRoom})
-        m_dispatcher->setHandler(code, {});
+    m_dispatcher->off<protocol::AddRoomToClient>();
+    m_dispatcher->off<protocol::RemoveRoomToClient>();
+    m_dispatcher->off<protocol::RoomCount>();
+    m_dispatcher->off<protocol::LockRoomToClient>();
 }
 
-void RoomListHandlers::onAddRoom(const protocol::Message &message)
+void RoomListHandlers::onAddRoom(const protocol::AddRoomToClient &message)
 {
-    // host name, room name, host address, status text, player count, lock flag
-    const QString host = message.field(0);
-    const QString roomName = message.field(1);
-    const QString address = message.field(2);
-    const QString status = message.field(3);
-    const QString players = padLeft8(message.field(4));
-    const bool locked = message.field(5) == QLatin1String("1");
-    m_rooms.appendRow({host, roomName, QString(), status, players, QString()}, address,
-                      locked ? RoomListModel::LockedRoom : RoomListModel::OpenRoom);
+    m_rooms.appendRow({message.host, message.roomName, QString(), message.status,
+                       padLeft8(message.playerCount), QString()},
+                      message.hostAddress,
+                      message.locked ? RoomListModel::LockedRoom : RoomListModel::OpenRoom);
 }
 
-void RoomListHandlers::onRemoveRoom(const protocol::Message &message)
+void RoomListHandlers::onRemoveRoom(const protocol::RemoveRoomToClient &message)
 {
-    // host name, game flag
-    const QString host = message.field(0);
-    Q_EMIT roomClosing(host);
+    Q_EMIT roomClosing(message.host);
     QString address;
-    const int row = m_rooms.findRoomRow(host);
+    const int row = m_rooms.findRoomRow(message.host);
     if (row >= 0) {
         address = m_rooms.tag(row);
         m_rooms.removeRow(row);
     }
-    if (message.field(1) == QLatin1String("1"))
+    if (message.inGame)
         addGameRow(address);
 }
 
-void RoomListHandlers::onRoomCount(const protocol::Message &message)
+void RoomListHandlers::onRoomCount(const protocol::RoomCount &message)
 {
-    // host name, player count
-    const int row = m_rooms.findRoomRow(message.field(0));
+    const int row = m_rooms.findRoomRow(message.host);
     if (row >= 0)
-        m_rooms.setText(row, RoomListModel::Players, padLeft8(message.field(1)));
+        m_rooms.setText(row, RoomListModel::Players, padLeft8(message.playerCount));
 }
 
-void RoomListHandlers::onLockRoom(const protocol::Message &message)
+void RoomListHandlers::onLockRoom(const protocol::LockRoomToClient &message)
 {
-    // host name, lock flag
-    const int row = m_rooms.findRoomRow(message.field(0));
+    const int row = m_rooms.findRoomRow(message.host);
     if (row >= 0)
-        m_rooms.setIcon(row, isLockedNumber(message.field(1)) ? RoomListModel::LockedRoom
-                                                              : RoomListModel::OpenRoom);
+        m_rooms.setIcon(row, message.locked ? RoomListModel::LockedRoom : RoomListModel::OpenRoom);
 }
 
 void RoomListHandlers::addGameRow(const QString &address)

@@ -5,8 +5,11 @@
 #include <functional>
 
 namespace protocol {
-struct Message;
-}
+struct AddRoomToClient;
+struct RemoveRoomToClient;
+struct RoomCount;
+struct LockRoomToClient;
+} // namespace protocol
 
 namespace client {
 
@@ -47,10 +50,10 @@ Q_SIGNALS:
     void roomClosing(const QString &hostName);
 
 private:
-    void onAddRoom(const protocol::Message &message);
-    void onRemoveRoom(const protocol::Message &message);
-    void onRoomCount(const protocol::Message &message);
-    void onLockRoom(const protocol::Message &message);
+    void onAddRoom(const protocol::AddRoomToClient &message);
+    void onRemoveRoom(const protocol::RemoveRoomToClient &message);
+    void onRoomCount(const protocol::RoomCount &message);
+    void onLockRoom(const protocol::LockRoomToClient &message);
 
     RoomListModel &m_rooms;
     QPointer<LobbyDispatcher> m_dispatcher;

@@ -6,6 +6,7 @@
 #include "client/presence/lobbychat.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/picturebutton.h"
+#include "protocol/login.h"
 #include "support/clientfakes.h"
 #include "support/scriptedserver.h"
 
@@ -48,7 +49,7 @@ private:
             QByteArray expected;
             for (const QString &state : states)
                 expected += "PS" + state.toLatin1() + "\x0E\x0F";
-            connection.sendLobbyMessage(protocol::Code::KeepAlive); // marks the end
+            connection.send(protocol::KeepAlive{}); // marks the end
             return server.expect(expected + "PI\x0F");
         }
     };

@@ -7,14 +7,13 @@
 #include "client/session/sessionstate.h"
 #include "support/scriptedserver.h"
 
-#include "protocol/message.h"
+#include "protocol/chat.h"
+#include "protocol/rooms.h"
 
 #include <QTest>
 
 using namespace client;
 using namespace std::chrono_literals;
-
-using protocol::Code;
 
 class TestConnection : public QObject
 {
@@ -27,11 +26,11 @@ private Q_SLOTS:
         LobbyDispatcher dispatcher;
         LobbyConnection connection(dispatcher);
         // Not connected at all, then while the connection is still being made.
-        QVERIFY(!connection.sendLobbyMessage(Code::ChatLine, {"early"}));
+        QVERIFY(!connection.send(protocol::ChatLineToServer{"early"}));
         connection.connectToLobby(QStringLiteral("127.0.0.1"), server.port());
-        QVERIFY(!connection.sendLobbyMessage(Code::ChatLine, {"connecting"}));
+        QVERIFY(!connection.send(protocol::ChatLineToServer{"connecting"}));
         QTRY_VERIFY(connection.isConnected());
-        QVERIFY(connection.sendLobbyMessage(Code::RoomChat, {"hej"}));
+        QVERIFY(connection.send(protocol::RoomChat{"hej"}));
         QVERIFY(server.expect("\xD6Mhej\x0F")); // what went out before would come first
     }
 
@@ -55,9 +54,9 @@ private Q_SLOTS:
         for (int tick = 1; tick <= 6; ++tick) {
             keepAlive.tick();
             // A line after each tick shows which tick sent what.
-            connection.sendLobbyMessage(Code::ChatLine, {QString::number(tick)});
-            expected += (tick % 3 == 2 ? "PI\x0F" : "") +
-                        protocol::buildMessage(Code::ChatLine, {QString::number(tick)});
+            const protocol::ChatLineToServer line{QString::number(tick)};
+            connection.send(line);
+            expected += (tick % 3 == 2 ? "PI\x0F" : "") + line.encode();
         }
         QVERIFY(server.expect(expected));
         QVERIFY(!timer1.isActive());

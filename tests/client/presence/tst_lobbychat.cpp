@@ -6,6 +6,7 @@
 #include "client/presence/sendrateguard.h"
 #include "client/session/clock.h"
 #include "client/session/sessionstate.h"
+#include "protocol/login.h"
 #include "protocol/message.h"
 #include "support/clientfakes.h"
 #include "support/scriptedserver.h"
@@ -202,8 +203,8 @@ private Q_SLOTS:
     {
         ChatWindow w;
         while (w.txtChat->document()->toRawText().size() < 40000)
-            w.chat.addChatLine("Bob", "0", "filler text of a long evening");
-        w.chat.addChatLine("Ann", "255", "look at http://example.com/page now");
+            w.chat.addChatLine("Bob", 0, "filler text of a long evening");
+        w.chat.addChatLine("Ann", 255, "look at http://example.com/page now");
         QVERIFY(w.opened.isEmpty());
 
         w.caretAt("example");
@@ -224,7 +225,7 @@ private Q_SLOTS:
         w.window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w.window));
         for (int i = 0; i < 30; ++i)
-            w.chat.addChatLine("www.name.com", "0", "http://a.com www.b.com");
+            w.chat.addChatLine("www.name.com", 0, "http://a.com www.b.com");
         QVERIFY(w.opened.isEmpty());
 
         QScrollBar *bar = w.txtChat->verticalScrollBar();
@@ -327,7 +328,7 @@ private Q_SLOTS:
         QCOMPARE(w.txtChatSend->text(), went ? QString() : typed);
         QCOMPARE(w.session.textSendTime, went ? w.clock.now() : kStart);
         if (connected) {
-            w.connection.sendLobbyMessage(Code::KeepAlive); // marks the end of what was sent
+            w.connection.send(protocol::KeepAlive{}); // marks the end of what was sent
             QVERIFY(server.expect(sent + protocol::buildMessage(Code::KeepAlive)));
         }
     }
