@@ -38,41 +38,29 @@ private Q_SLOTS:
         QCOMPARE(tray.tip, QStringLiteral("Logged out"));
     }
 
-    void splitterDragIsClamped_data()
-    {
-        QTest::addColumn<int>("mouseY"); // inside the bar, relative to its top
-        QTest::addColumn<int>("top");
-        QTest::newRow("down a little") << 20 << 309;
-        QTest::newRow("above the limit") << -400 << 80;
-        QTest::newRow("below the limit") << 500 << 548;
-    }
-    void splitterDragIsClamped()
-    {
-        QFETCH(int, mouseY);
-        QFETCH(int, top);
-        Form1 form;
-        form.show();
-        SplitterBar *bar = form.Picture1;
-        QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(10, 2));
-        QMouseEvent move(QEvent::MouseMove, QPointF(10, mouseY),
-                         bar->mapToGlobal(QPointF(10, mouseY)), Qt::NoButton, Qt::LeftButton,
-                         Qt::NoModifier);
-        QCoreApplication::sendEvent(bar, &move);
-        QTest::mouseRelease(bar, Qt::LeftButton, {}, QPoint(10, 2));
-        QCOMPARE(bar->y(), top);
-        // The lists follow the bar.
-        QCOMPARE(form.ListView1->y() + form.ListView1->height(), top);
-        QCOMPARE(form.txtChat->y(), top + bar->height());
-        QCOMPARE(form.txtChat->height(), form.txtChatSend->y() - top - 10);
-    }
-
-    void splitterDoubleClickCycles()
+    // The bar follows a drag within its limits, the lists with it; a double-click steps it
+    // through its three places by its tag, and an unknown tag leaves it where it is.
+    void splitter()
     {
         Form1 form;
         form.show();
         SplitterBar *bar = form.Picture1;
-        const QList<std::pair<int, QString>> steps = {{289, "3"}, {548, "1"}, {80, "2"}};
-        for (const auto &[top, tag] : steps) {
+        // The mouse's place inside the bar, relative to its top, and where the top ends up.
+        for (const auto &[mouseY, top] :
+             QList<std::pair<int, int>>{{20, 309}, {-400, 80}, {500, 548}}) {
+            QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(10, 2));
+            QMouseEvent move(QEvent::MouseMove, QPointF(10, mouseY),
+                             bar->mapToGlobal(QPointF(10, mouseY)), Qt::NoButton, Qt::LeftButton,
+                             Qt::NoModifier);
+            QCoreApplication::sendEvent(bar, &move);
+            QTest::mouseRelease(bar, Qt::LeftButton, {}, QPoint(10, 2));
+            QCOMPARE(bar->y(), top);
+            QCOMPARE(form.ListView1->y() + form.ListView1->height(), top);
+            QCOMPARE(form.txtChat->y(), top + bar->height());
+            QCOMPARE(form.txtChat->height(), form.txtChatSend->y() - top - 10);
+        }
+        for (const auto &[top, tag] :
+             QList<std::pair<int, QString>>{{289, "3"}, {548, "1"}, {80, "2"}}) {
             QTest::mouseDClick(bar, Qt::LeftButton, {}, QPoint(5, 2));
             QCOMPARE(bar->y(), top);
             QCOMPARE(bar->tag(), tag);
