@@ -31,14 +31,13 @@ struct UdpResponder
 };
 
 // The status reply of a server named "My Game" on "Training" with Bob (ping 40) and Al (55).
-inline QByteArray exampleReply(bool withTimeLimit = true)
+inline QByteArray exampleReply()
 {
-    return QByteArray("\\gamename\\roguespear\\gamever\\2.15\\hostname\\My Game\\hostport\\2346"
-                      "\\hostip\\10.0.0.5\\mapname\\Training\\gametype\\Team Survival"
-                      "\\numplayers\\2\\maxplayers\\16\\gamemode\\openplaying\\teamplay\\1"
-                      "\\password\\0\\rs_serverlocked\\1\\rs_mods\\0\\rs_kitrestrictions\\0"
-                      "\\rs_armpatches\\1\\rs_highbandwidth\\0") +
-           (withTimeLimit ? "\\timelimit\\600" : "") +
+    return "\\gamename\\roguespear\\gamever\\2.15\\hostname\\My Game\\hostport\\2346"
+           "\\hostip\\10.0.0.5\\mapname\\Training\\gametype\\Team Survival"
+           "\\numplayers\\2\\maxplayers\\16\\gamemode\\openplaying\\teamplay\\1"
+           "\\password\\0\\rs_serverlocked\\1\\rs_mods\\0\\rs_kitrestrictions\\0"
+           "\\rs_armpatches\\1\\rs_highbandwidth\\0\\timelimit\\600"
            "\\player_0\\Bob\\team_0\\1\\ping_0\\40\\player_1\\Al\\team_1\\2\\ping_1\\55"
            "\\final\\\\queryid\\7.1";
 }
@@ -46,11 +45,8 @@ inline QByteArray exampleReply(bool withTimeLimit = true)
 // The players part of a reply: P0, P1, ... in team 1 with pings 10, 11, ..., then the end.
 inline QByteArray playerKeys(int count)
 {
-    QByteArray keys;
+    QString keys;
     for (int j = 0; j < count; ++j)
-        keys += QStringLiteral("\\player_%1\\P%1\\team_%1\\1\\ping_%1\\%2")
-                    .arg(j)
-                    .arg(10 + j)
-                    .toLatin1();
-    return keys + "\\final\\\\queryid\\1.1";
+        keys += QStringLiteral("\\player_%1\\P%1\\team_%1\\1\\ping_%1\\%2").arg(j).arg(10 + j);
+    return keys.toLatin1() + "\\final\\\\queryid\\1.1";
 }

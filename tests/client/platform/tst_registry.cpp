@@ -21,16 +21,9 @@ namespace {
 const QString kGameKey = QStringLiteral("SOFTWARE\\Red Storm Entertainment\\Rogue Spear");
 const QString kRunKey = QStringLiteral("Software\\Microsoft\\Windows\\CurrentVersion\\Run");
 
-// A system.reg as Wine writes it, with the games' keys among others.
+// A system.reg as Wine writes it, with the games' keys, and a key line cut short.
 const QByteArray kSystemReg =
     "WINE REGISTRY Version 2\n"
-    ";; All keys relative to \\\\Machine\n"
-    "\n"
-    "#arch=win64\n"
-    "\n"
-    "[Software\\\\Microsoft\\\\Windows] 1700000000\n"
-    "#time=1da0000000000\n"
-    "\"MultiplayerPlayerName\"=\"Wrong key\"\n"
     "\n"
     "[Software\\\\Red Storm Entertainment\\\\Rogue Spear] 1700000001\n"
     "#time=1da0000000001\n"
@@ -43,9 +36,20 @@ const QByteArray kSystemReg =
     "  04,05\n"
     "\"Last\"=\"after a long value\"\n"
     "@=\"default value\"\n"
-    "\n"
     "[Software\\\\Wow6432Node\\\\Red Storm Entertainment\\\\Black Ops] 1700000002\n"
-    "\"MultiplayerPlayerName\"=\"Alice\"\n";
+    "\"MultiplayerPlayerName\"=\"Alice\"\n"
+    "[Software\\\\Broken\n"
+    "\"x\"=\"y\"\n";
+
+// A registry over files in a folder of its own.
+struct Rig
+{
+    QTemporaryDir dir;
+    LinuxRegistry::Paths paths{dir.filePath("autostart"), dir.filePath("system.reg"),
+                               dir.filePath("data/registry.ini")};
+    LinuxRegistry registry{paths};
+    BasRegistry helpers{registry};
+};
 
 } // namespace
 
@@ -54,127 +58,82 @@ class TestRegistry : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // Values of the games' keys read from the Wine prefix, the way the result-log upload reads
+    // the player names; a value not found is shown here as an invalid QVariant.
     void wineValues_data()
     {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("value"); // s:TEXT, n:NUMBER, o (other type) or - (missing)
-        const auto add = [](const char *row, QString name, QString value, QString key = kGameKey) {
+        QTest::addColumn<QVariant>("value");
+        const auto add = [](const char *row, QString name, QVariant value, QString key = kGameKey) {
             QTest::newRow(row) << key << name << value;
         };
-        add("string with quotes", "MultiplayerPlayerName", "s:Bob \"the\" Builder");
-        add("names without regard to case", "multiplayerplayername", "s:Bob \"the\" Builder",
+        add("names without regard to case", "multiplayerplayername", QString("Bob \"the\" Builder"),
             kGameKey.toUpper());
-        add("escapes", "Escapes", QString::fromUtf8("s:back\\slash tab\t\u00e9t\u00e9\u00ff"));
-        add("NUL kept", "Truncated", QString::fromUtf8("s:before") + QChar(0) + "after");
-        add("number", "Number", "n:42");
-        add("expandable string is another type", "Expand", "o");
-        add("value after continuation lines", "Last", "s:after a long value");
-        add("default value", "", "s:default value");
-        add("missing value", "Nope", "-");
-        add("prefix of a key is not the key", "MultiplayerPlayerName", "-",
+        // 32-bit programs in a 64-bit prefix keep theirs under Wow6432Node.
+        add("32-bit program", "MultiplayerPlayerName", QString("Alice"),
+            "SOFTWARE\\Red Storm Entertainment\\Black Ops");
+        add("escapes", "Escapes", QString::fromUtf8("back\\slash tab\t\u00e9t\u00e9\u00ff"));
+        add("text ends at NUL", "Truncated", QString("before"));
+        add("number", "Number", 42u);
+        add("expandable string is another type", "Expand", QString(""));
+        add("value after continuation lines", "Last", QString("after a long value"));
+        add("default value", "", QString("default value"));
+        add("missing value", "Nope", QVariant());
+        add("prefix of a key is not the key", "MultiplayerPlayerName", QVariant(),
             "Software\\Red Storm Entertainment");
+        add("key line without its bracket", "x", QVariant(), "Software\\Broken");
     }
     void wineValues()
     {
         QFETCH(QString, key);
         QFETCH(QString, name);
-        QFETCH(QString, value);
-        const auto found = WineRegistry::findValue(kSystemReg, key, name);
-        QString shown = "-";
-        if (found && found->type == RegistryValue::Type::String)
-            shown = "s:" + found->text;
-        else if (found && found->type == RegistryValue::Type::Number)
-            shown = "n:" + QString::number(found->number);
-        else if (found)
-            shown = "o";
-        QCOMPARE(shown, value);
-    }
-
-    void wineFileOfGarbage()
-    {
-        QByteArray garbage;
-        for (int i = 0; i < 4096; ++i)
-            garbage.append(char((i * 7919) % 256));
-        garbage += "\n[Software\\\\Red Storm Entertainment\\\\Rogue Spear\n\"x\"=\"\\";
-        QVERIFY(!WineRegistry::findValue(garbage, kGameKey, u"x"));
-        QVERIFY(!WineRegistry::findValue(QByteArray(), kGameKey, u"x"));
-    }
-
-    // The games' player names, read the way the result-log upload reads them.
-    void playerNameFromWinePrefix()
-    {
-        QTemporaryDir dir;
-        QVERIFY(writeFile(dir.filePath("system.reg"), kSystemReg));
-        LinuxRegistry registry(
-            {dir.filePath("autostart"), dir.filePath("system.reg"), dir.filePath("r.ini")});
-        BasRegistry helpers(registry);
-        const auto read = [&helpers](const QString &key, const QString &name) {
-            return helpers.readValue(Root::LocalMachine, key, name);
-        };
-        QCOMPARE(read(kGameKey, "MultiplayerPlayerName"), QVariant("Bob \"the\" Builder"));
-        // 32-bit programs in a 64-bit prefix keep theirs under Wow6432Node.
-        QCOMPARE(read("SOFTWARE\\Red Storm Entertainment\\Black Ops", "MultiplayerPlayerName"),
-                 QVariant("Alice"));
-        QCOMPARE(read(kGameKey, "Truncated"), QVariant("before"));
-        QCOMPARE(read(kGameKey, "Number"), QVariant(42u));
-        QCOMPARE(helpers.lastRegResult(), Registry::kSuccess);
-        QCOMPARE(read(kGameKey, "Missing"), QVariant(""));
-        QCOMPARE(helpers.lastRegResult(), Registry::kNotFound);
-
-        LinuxRegistry noPrefix(
-            {dir.filePath("a"), dir.filePath("no/system.reg"), dir.filePath("b.ini")});
-        QCOMPARE(BasRegistry(noPrefix).readValue(Root::LocalMachine, kGameKey, "Number"),
-                 QVariant(""));
+        QFETCH(QVariant, value);
+        Rig rig;
+        QVERIFY(writeFile(rig.paths.wineSystemReg, kSystemReg));
+        const QVariant read = rig.helpers.readValue(Root::LocalMachine, key, name);
+        QCOMPARE(rig.helpers.lastRegResult() == Registry::kNotFound ? QVariant() : read, value);
     }
 
     void otherValuesInTheIniFile()
     {
-        QTemporaryDir dir;
-        const LinuxRegistry::Paths paths{dir.filePath("autostart"), dir.filePath("system.reg"),
-                                         dir.filePath("data/registry.ini")};
+        Rig rig;
         const QList<std::pair<QString, QVariant>> values{
             {"  C:\\Games\\RS  ", "C:\\Games\\RS"}, // text trimmed
             {" 7 ", 7u},
             {"-1", 4294967295u},
             {"99999999999", "99999999999"}}; // too large for 32 bits: text
-        {
-            LinuxRegistry registry(paths);
-            for (int i = 0; i < values.size(); ++i)
-                BasRegistry(registry).writeValue(Root::CurrentUser, "Software\\Quorvel\\Test",
-                                                 QString("Value%1").arg(i), values[i].first);
-        }
-        LinuxRegistry registry(paths); // a new session reads what the last one wrote
+        for (int i = 0; i < values.size(); ++i)
+            rig.helpers.writeValue(Root::CurrentUser, "Software\\Quorvel\\Test",
+                                   QString("Value%1").arg(i), values[i].first);
+        LinuxRegistry registry(rig.paths); // a new session reads what the last one wrote
         BasRegistry helpers(registry);
         for (int i = 0; i < values.size(); ++i)
             QCOMPARE(helpers.readValue(Root::CurrentUser, "software\\QUORVEL\\test",
                                        QString("value%1").arg(i)),
                      values[i].second);
+        // Not in the INI file, nor in a Wine prefix that is not there.
         QCOMPARE(helpers.readValue(Root::LocalMachine, "Software\\Quorvel\\Test", "Value0"),
                  QVariant(""));
         QCOMPARE(helpers.lastRegResult(), Registry::kNotFound);
-        QVERIFY(!QFileInfo::exists(paths.autostartFolder));
+        QVERIFY(!QFileInfo::exists(rig.paths.autostartFolder));
     }
 
     // The entry names the program so that the desktop session's own launcher starts it, even
     // from a folder whose name needs quoting.
     void runValueIsAnAutostartEntry()
     {
-        QTemporaryDir dir;
-        LinuxRegistry registry(
-            {dir.filePath("autostart"), dir.filePath("system.reg"), dir.filePath("r.ini")});
-        BasRegistry helpers(registry);
-        const QString entry = dir.filePath("autostart/quorvel.desktop");
-        const QString folder = dir.filePath("my apps/\"q\" $HOME back\\slash");
+        Rig rig;
+        const QString entry = rig.paths.autostartFolder + "/quorvel.desktop";
+        const QString folder = rig.dir.filePath("my apps/\"q\" $HOME back\\slash");
         const QString program = folder + "/quorvel";
-        const QString marker = dir.filePath("started");
+        const QString marker = rig.dir.filePath("started");
         QVERIFY(QDir().mkpath(folder));
         QVERIFY(writeFile(program, "#!/bin/sh\ntouch '" + marker.toUtf8() + "'\n"));
         QFile(program).setPermissions(QFile(program).permissions() | QFile::ExeOwner);
 
-        helpers.writeValue(Root::CurrentUser, kRunKey, "quorvel", program);
-        QCOMPARE(helpers.lastRegResult(), Registry::kSuccess);
-        QCOMPARE(helpers.readValue(Root::CurrentUser, kRunKey.toLower(), "Quorvel"),
+        rig.helpers.writeValue(Root::CurrentUser, kRunKey, "quorvel", program);
+        QCOMPARE(rig.helpers.readValue(Root::CurrentUser, kRunKey.toLower(), "Quorvel"),
                  QVariant(program));
         if (const QString gio = QStandardPaths::findExecutable("gio"); !gio.isEmpty()) {
             QProcess launch;
@@ -189,25 +148,21 @@ private Q_SLOTS:
         QVERIFY(AutostartEntry::write(entry, "/opt/100%/quorvel"));
         QCOMPARE(AutostartEntry::read(entry), std::optional<QString>("/opt/100%/quorvel"));
 
-        helpers.writeValue(Root::CurrentUser, kRunKey, "quorvel", QString());
+        rig.helpers.writeValue(Root::CurrentUser, kRunKey, "quorvel", QString());
         QVERIFY(!QFileInfo::exists(entry));
-        QCOMPARE(helpers.readValue(Root::CurrentUser, kRunKey, "quorvel"), QVariant(""));
-        QCOMPARE(helpers.lastRegResult(), Registry::kNotFound);
-        QVERIFY(!QFileInfo::exists(dir.filePath("r.ini")));
+        QCOMPARE(rig.helpers.readValue(Root::CurrentUser, kRunKey, "quorvel"), QVariant(""));
     }
 
     void disabledEntryIsEmpty_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("value");
-        QTest::newRow("enabled") << QByteArray("[Desktop Entry]\nExec=/bin/q --x\n") << "/bin/q";
+        QTest::newRow("enabled, other group ignored")
+            << QByteArray("[Desktop Entry]\nExec=/bin/q --x\n[Desktop Action x]\nHidden=true\n")
+            << "/bin/q";
         QTest::newRow("hidden") << QByteArray("[Desktop Entry]\nExec=/bin/q\nHidden=true\n") << "";
         QTest::newRow("disabled for GNOME")
             << QByteArray("[Desktop Entry]\nExec=/bin/q\nX-GNOME-Autostart-enabled=false\n") << "";
-        QTest::newRow("other group ignored")
-            << QByteArray("[Desktop Entry]\nExec=/bin/q\n[Desktop Action x]\nHidden=true\n")
-            << "/bin/q";
-        QTest::newRow("garbage") << QByteArray("\x01\x02[\n=\n") << "";
     }
     void disabledEntryIsEmpty()
     {
