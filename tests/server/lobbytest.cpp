@@ -1,18 +1,33 @@
 #include "lobbytest.h"
 
-QList<QStringList> fieldsOf(const QList<Message> &messages)
+#include "protocol/wiremessage.h"
+
+Rows fieldsOf(const QList<Message> &messages)
 {
-    QList<QStringList> out;
+    Rows out;
     for (const Message &m : messages)
         out.append(m.fields);
     return out;
 }
 
-QStringList namesOf(const QList<Message> &messages)
+QStringList fieldOf(const QList<Message> &messages, int index)
 {
     QStringList out;
     for (const Message &m : messages)
-        out.append(m.field(0));
+        out.append(m.field(index));
+    return out;
+}
+
+QStringList namesOf(const QList<Message> &messages)
+{
+    return fieldOf(messages, 0);
+}
+
+QStringList codesOf(const QList<Message> &messages)
+{
+    QStringList out;
+    for (const Message &m : messages)
+        out.append(protocol::codeText(m.code));
     return out;
 }
 
@@ -96,7 +111,7 @@ TestLobby::TestLobby(server::LobbyConfig config)
     database.open(dir.filePath("lobby.sqlite"));
     server = std::make_unique<server::LobbyServer>(config, accounts, buddies, diagnostics,
                                                    passwords, clock);
-    listening = server->listen(QHostAddress::LocalHost, 0);
+    server->listen(QHostAddress::LocalHost, 0);
 }
 
 int TestLobby::addAccount(const QString &name, const QString &password, const QString &email)

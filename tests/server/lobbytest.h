@@ -17,6 +17,7 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <array>
 #include <climits>
 #include <memory>
 #include <optional>
@@ -24,8 +25,17 @@
 using protocol::Code;
 using protocol::Message;
 
-QList<QStringList> fieldsOf(const QList<Message> &messages);
-QStringList namesOf(const QList<Message> &messages); // the first field of each
+using Rows = QList<QStringList>; // the fields of several messages
+
+Rows fieldsOf(const QList<Message> &messages);
+QStringList fieldOf(const QList<Message> &messages, int index); // field `index` of each
+QStringList namesOf(const QList<Message> &messages);            // the first field of each
+QStringList codesOf(const QList<Message> &messages);            // as they travel: "RR", "ÖB"...
+// The two bytes of `code` on the wire, for tests that send raw bytes.
+inline QByteArray wire(Code code)
+{
+    return protocol::wireCode(code).toByteArray();
+}
 
 // A lobby client for server tests: a real socket that sends messages and collects what the server
 // sends, cut into messages as the client cuts them.
@@ -58,6 +68,8 @@ public:
         const QList<Message> taken = takeCount(code, 1, timeoutMs);
         return taken.isEmpty() ? std::nullopt : std::optional(taken.first());
     }
+    // The fields of the `count` messages with `code` takeCount() returns.
+    Rows fields(Code code, int count = 1) { return fieldsOf(takeCount(code, count)); }
     // Removes and returns every message with `code` received so far, without waiting.
     QList<Message> takeAll(Code code) { return takeCount(code, INT_MAX, 0); }
     bool hasPending(Code code, const QString &first = QString()) const;
@@ -98,6 +110,12 @@ public:
     // A new client logged in as `name` (created when missing), returned once the players logged in
     // before have heard of it. A failed login fails the test.
     TestClient *loggedIn(const QString &name);
+    // Several at once, in order: auto [anna, bert] = lobby.loggedIn("Anna", "Bert").
+    template <typename... More>
+    auto loggedIn(const QString &first, const QString &second, const More &...more)
+    {
+        return std::array{loggedIn(first), loggedIn(second), loggedIn(QString(more))...};
+    }
     TestClient *connected(); // a new client that has said nothing yet
 
     // Returns once every client from loggedIn(), and `via`, has received all the server sent before
@@ -114,7 +132,6 @@ public:
     server::PasswordWorker passwords{server::HashCost::Minimal};
     server::ManualClock clock;
     std::unique_ptr<server::LobbyServer> server;
-    bool listening = false;
 
 private:
     std::vector<std::unique_ptr<TestClient>> m_clients; // closed before the server goes
