@@ -24,14 +24,4 @@ private:
     QElapsedTimer m_timer;
 };
 
-class ManualClock final : public Clock
-{
-public:
-    qint64 nowMs() const override { return m_now; }
-    void advance(qint64 ms) { m_now += ms; }
-
-private:
-    qint64 m_now = 1'000'000;
-};
-
 } // namespace server

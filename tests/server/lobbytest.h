@@ -22,6 +22,17 @@
 #include <memory>
 #include <optional>
 
+// The server's clock for tests: stands still until a test moves it on.
+class ManualServerClock final : public server::Clock
+{
+public:
+    qint64 nowMs() const override { return m_now; }
+    void advance(qint64 ms) { m_now += ms; }
+
+private:
+    qint64 m_now = 1'000'000;
+};
+
 using protocol::Code;
 using protocol::Message;
 
@@ -130,7 +141,7 @@ public:
     server::BuddyStore buddies{database};
     server::DiagnosticStore diagnostics{database};
     server::PasswordWorker passwords{server::HashCost::Minimal};
-    server::ManualClock clock;
+    ManualServerClock clock;
     std::unique_ptr<server::LobbyServer> server;
 
 private:

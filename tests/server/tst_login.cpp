@@ -129,7 +129,7 @@ private Q_SLOTS:
 
     void throttleSchedule()
     {
-        server::ManualClock clock;
+        ManualServerClock clock;
         server::LoginThrottle throttle(clock);
         QList<qint64> delays;
         for (int i = 0; i < 10; ++i) {
