@@ -32,7 +32,7 @@ QByteArray an(const QString &name, const QString &index, const QString &state,
 
 QByteArray rn(const QString &name)
 {
-    return protocol::buildMessage(Code::RemovePlayer, {name});
+    return protocol::RemovePlayer{name}.encode();
 }
 
 QByteArray ps(const QString &name, const QString &state, const QString &address = {})
@@ -99,15 +99,8 @@ class TestPlayerList : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void groupCountsStartAgainAfterConnecting()
-    {
-        PlayerList list;
-        list.receive({an("Bob", "1", "3")});
-        list.model.clearList();
-        list.model.addGroupRows();
-        QCOMPARE(describe(list.model), QStringLiteral("Lobby (0), Playing (0), Away (0)"));
-    }
-
+    // What the number reader makes of odd fields is the protocol's to test; here one row per
+    // path through the list.
     void handlesMessages_data()
     {
         QTest::addColumn<Messages>("messages");
@@ -115,9 +108,9 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("calls");
 
         const QString b = "Bob", a = "Ann", c = "Cid", g1 = "10.0.0.1", g2 = "10.0.0.2";
-        QTest::newRow("buddy above the other lobby player")
-            << Messages{an(b, "1", "3"), an(a, "2", "3", {}, "1")}
-            << "Lobby (2), *Ann 8 2, Bob 7 1, Playing (0), Away (0)" << QStringList{};
+        QTest::newRow("buddy above the other lobby player; only the highlighted is orange")
+            << Messages{an(b, "1", "3", {}, "0", "True"), an(a, "2", "3", {}, "1")}
+            << "Lobby (2), *Ann 8 2, !Bob 7 1, Playing (0), Away (0)" << QStringList{};
         QTest::newRow("each state under its group")
             << Messages{an(a, "1", "1"), an(b, "2", "2", g1, "1"), an(c, "3", "3")}
             << "Lobby (1), Cid 7 3, Playing (1), *Bob 5 2 @10.0.0.1, Away (1), Ann 1 1"
@@ -139,27 +132,10 @@ private Q_SLOTS:
         QTest::newRow("AN with a state outside 1..3 sorts last and counts nowhere")
             << Messages{an(b, "1", "0"), an(a, "2", "3")}
             << "Lobby (1), Ann 7 2, Playing (0), Away (0), Bob  1" << QStringList{};
-        QTest::newRow("non-numeric state and index are taken as absent")
-            << Messages{an(b, "abc", "three", {}, "1")}
-            << "Lobby (0), Playing (0), Away (0), *Bob  0" << QStringList{};
-        QTest::newRow("fractions are rounded down")
-            << Messages{an(b, "12.9", "2.7"), an(a, "-1.5", "3")}
-            << "Lobby (1), Ann 7 -2, Playing (1), Bob 4 12, Away (0)" << QStringList{};
-        QTest::newRow("only \"1\" makes a buddy, only \"True\" highlights")
-            << Messages{an(b, "1", "3", {}, "True", "True"), an(a, "2", "3", {}, "1 ", "true"),
-                        an(c, "3", "3", {}, "0", "True ")}
-            << "Lobby (3), !Bob 7 1, Ann 7 2, Cid 7 3, Playing (0), Away (0)" << QStringList{};
-        QTest::newRow("into a game and back")
-            << Messages{an(b, "1", "3"), ps(b, "2", g1), ps(b, "3")}
-            << "Lobby (1), Bob 7 1, Playing (0), Away (0)"
-            << QStringList{"add 10.0.0.1", "remove 10.0.0.1"};
         QTest::newRow("from one game to another keeps the old row")
             << Messages{an(b, "1", "2", g1), ps(b, "2", g2)}
             << "Lobby (0), Playing (1), Bob 4 1 @10.0.0.2, Away (0)"
             << QStringList{"add 10.0.0.1", "add 10.0.0.2"};
-        QTest::newRow("leaving the lobby from a game; a second RN is unknown")
-            << Messages{an(b, "42", "2", g1), rn(b), rn(b)} << "Lobby (0), Playing (0), Away (0)"
-            << QStringList{"add 10.0.0.1", "left 42", "remove 10.0.0.1"};
         QTest::newRow("a game still played by another")
             << Messages{an(b, "1", "2", g1), an(a, "2", "2", g1), ps(b, "3"), rn(a)}
             << "Lobby (1), Bob 7 1, Playing (0), Away (0)"
@@ -184,14 +160,12 @@ private Q_SLOTS:
     {
         struct Ref
         {
-            QString name, code, ip;
+            QString name, ip;
+            int state; // 0 is outside 1..3
             bool buddy;
+            int code() const { return state ? 3 * state - 2 + buddy : 0; }
         };
         QList<Ref> ref;
-        const auto codeFor = [](int state, bool buddy) {
-            return state ? QString::number(3 * (state - 1) + 1 + (buddy ? 1 : 0)) : QString();
-        };
-
         PlayerList list(false);
         // Checks every insert, move and removal signal against the model's contents while the
         // list is small: it walks the whole model each time.
@@ -205,18 +179,17 @@ private Q_SLOTS:
         for (int step = 0; step < 6000; ++step) {
             if (step == 500)
                 tester.reset();
-            const bool growing = (step / 1500) % 2 == 0;
             const QString name = QStringLiteral("p%1").arg(random.bounded(300));
-            const int state = int(random.bounded(4)); // 0 is outside 1..3
+            const int state = int(random.bounded(4));
             const QString ip =
                 random.bounded(2) ? QStringLiteral("10.0.0.%1").arg(random.bounded(4)) : QString();
             const auto first =
                 std::find_if(ref.begin(), ref.end(), [&](const Ref &r) { return r.name == name; });
             const int action = int(random.bounded(10));
-            if (action < (growing ? 6 : 2)) {
+            if (action < ((step / 1500) % 2 ? 2 : 6)) {
                 const bool buddy = random.bounded(4) == 0;
                 list.receive({an(name, "1", QString::number(state), ip, buddy ? "1" : "0")});
-                ref.append({name, codeFor(state, buddy), ip, buddy});
+                ref.append({name, ip, state, buddy});
             } else if (action < 8) {
                 list.receive({rn(name)});
                 if (first != ref.end())
@@ -224,39 +197,34 @@ private Q_SLOTS:
             } else {
                 list.receive({ps(name, QString::number(state), ip)});
                 if (first != ref.end()) {
-                    Ref moved = *first;
-                    moved.ip = ip;
-                    if (state && codeFor(state, moved.buddy) != moved.code) {
-                        moved.code = codeFor(state, moved.buddy);
+                    first->ip = ip;
+                    if (state && state != first->state) {
+                        const Ref moved{name, ip, state, first->buddy};
                         ref.erase(first);
                         ref.append(moved);
-                    } else {
-                        *first = moved;
                     }
                 }
             }
             std::stable_sort(ref.begin(), ref.end(),
-                             [](const Ref &x, const Ref &y) { return x.code > y.code; });
-
-            QStringList expected, shown; // every row, now and then
-            for (int r = 0; step % 10 == 0 && r < ref.size(); ++r) {
-                expected << ref[r].name + u' ' + ref[r].code + u' ' + ref[r].ip +
-                                (ref[r].buddy ? "*" : "");
-                shown << list.model.text(r, Model::Name) + u' ' +
-                             list.model.text(r, Model::PlayerStatus) + u' ' +
-                             list.model.text(r, Model::IpToGame) +
-                             (list.model.isBold(r) ? "*" : "");
-            }
-            QCOMPARE(list.model.rowCount(), ref.size());
-            QCOMPARE(shown, expected);
-            const auto counted = [&](const QString &x, const QString &y) {
-                return int(std::count_if(ref.begin(), ref.end(),
-                                         [&](const Ref &r) { return r.code == x || r.code == y; }));
-            };
-            QCOMPARE(list.model.groupCount(Model::Group::Away), counted("1", "2"));
-            QCOMPARE(list.model.groupCount(Model::Group::Playing), counted("4", "5"));
-            QCOMPARE(list.model.groupCount(Model::Group::Lobby), counted("7", "8"));
+                             [](const Ref &x, const Ref &y) { return x.code() > y.code(); });
+            if (step % 10)
+                continue; // the counts and the order are kept across messages: faults persist
+            QStringList expected;
+            for (const Ref &r : ref)
+                expected << (r.buddy ? "*" : "") + r.name + u' ' +
+                                (r.state ? QString::number(r.code()) : "") + " 1" +
+                                (r.ip.isEmpty() ? "" : " @" + r.ip);
+            QCOMPARE(describe(list.model), expected.join(", "));
+            for (int g = 0; g < 3; ++g)
+                QCOMPARE(list.model.groupCount(Model::Group(g)),
+                         int(std::count_if(ref.begin(), ref.end(),
+                                           [&](const Ref &r) { return r.state == 3 - g; })));
         }
+        // Connecting again starts the counts from nothing.
+        list.model.clearList();
+        list.model.addGroupRows();
+        list.receive({an("Bob", "1", "3")});
+        QCOMPARE(describe(list.model), QStringLiteral("Lobby (1), Bob 7 1, Playing (0), Away (0)"));
     }
 
     // The context menu acts on the selected entry: the selection follows it when it moves.
@@ -277,8 +245,6 @@ private Q_SLOTS:
     {
         LobbyDispatcher dispatcher;
         LobbyConnection connection(dispatcher);
-        QVERIFY(!sendPresence(connection, Presence::Away));
-
         ScriptedServer server;
         connection.connectToLobby("127.0.0.1", server.port());
         QVERIFY(QTest::qWaitFor([&] { return connection.isConnected(); }));
