@@ -39,7 +39,7 @@ trap cleanup EXIT INT TERM
 
 start_lobby "$run_dir"
 port=$lobby_port
-echo "lobby server on 127.0.0.1:$port (log: $run_dir/server.log)"
+echo "lobby server on 127.0.0.1:$port, web pages on http://127.0.0.1:$web_port/ (log: $run_dir/server.log)"
 
 # A client with saved credentials and "Auto login" ticked.
 start_client() {
@@ -51,7 +51,7 @@ start_client() {
     printf '0\r\n1\r\n0\r\n0\r\n0\r\n%s\r\n\r\n' "$home/RogueSpear" \
         >"$home/data/Quorvel/settingRS.txt"
     XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
-        build/src/client/quorvel --lobby "127.0.0.1:$port" >"$home/client.log" 2>&1 &
+        build/src/client/quorvel --lobby "127.0.0.1:$port" --web "127.0.0.1:$web_port" >"$home/client.log" 2>&1 &
     pids+=($!)
     echo "client $name started (log: $home/client.log)"
 }

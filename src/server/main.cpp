@@ -8,6 +8,7 @@
 #include "server/lobbyserver.h"
 #include "server/passwordhash.h"
 #include "server/serveroptions.h"
+#include "server/webserver.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
@@ -40,6 +41,13 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     if (options.listenAddress.protocol() == QAbstractSocket::IPv6Protocol)
         shown = QLatin1Char('[') + shown + QLatin1Char(']');
     out << "lobby listening on " << shown << ':' << lobby.serverPort() << Qt::endl;
+    // The lobby runs without its pages rather than not at all (port 80 needs privileges).
+    server::WebServer web;
+    if (web.listen(options.listenAddress, options.httpPort))
+        out << "web listening on " << shown << ':' << web.serverPort() << Qt::endl;
+    else
+        err << "quorvel-server: cannot listen on " << shown << ':' << options.httpPort
+            << " for the web pages; running without them" << Qt::endl;
     return QCoreApplication::exec();
 }
 

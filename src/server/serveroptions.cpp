@@ -18,7 +18,7 @@ const QString kUsage = QStringLiteral(
     "Options:\n"
     "  --listen ADDR            address to listen on (default: all)\n"
     "  --port N                 lobby port (default 20000; 0 picks a free one)\n"
-    "  --http-port N            web pages port (default 80)\n"
+    "  --http-port N            web pages port (default 80; 0 picks a free one)\n"
     "  --db PATH                database file (default in the user's data folder)\n"
     "  --versions LIST          accepted client versions, comma-separated (default \"V 6.0\")\n"
     "  --registration open|closed  whether a login with an unknown name creates the account\n"

@@ -16,9 +16,7 @@ struct ServerOptions
 {
     QHostAddress listenAddress{QHostAddress::Any};
     quint16 port = 20000;
-    // The web pages' port: parsed and kept for the web front end, which this process does
-    // not serve yet.
-    quint16 httpPort = 80;
+    quint16 httpPort = 80; // the web pages; 0 picks a free one
     QString databasePath;
     LobbyConfig lobby;
     HashCost hashCost = HashCost::Standard; // of the passwords registered while it runs

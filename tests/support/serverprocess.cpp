@@ -8,16 +8,31 @@ bool ServerProcess::start(const QString &program, const QStringList &arguments)
 {
     killHard();
     m_port = 0;
-    m_process.start(program, arguments);
+    m_webPort = 0;
+    QStringList args = arguments;
+    // A lobby server under test never takes the well-known web port.
+    const bool lobby = program == kLobbyServer;
+    if (lobby && !args.contains(QStringLiteral("--http-port")))
+        args << QStringLiteral("--http-port") << QStringLiteral("0");
+    m_process.start(program, args);
     QByteArray out;
+    QByteArray err;
+    // The lobby names its web port on a second line, or says on stderr that it has none.
+    const int lines = lobby ? 2 : 1;
     waitUntil(
         [&] {
             out += m_process.readAllStandardOutput();
-            return out.contains('\n') || m_process.state() == QProcess::NotRunning;
+            err += m_process.readAllStandardError();
+            const int said = int(out.count('\n'));
+            return said >= lines || (said == 1 && !err.isEmpty()) ||
+                   m_process.state() == QProcess::NotRunning;
         },
         10000);
     static const QRegularExpression port(QStringLiteral("(\\d+)\\s*$"));
-    m_port = port.match(QString::fromUtf8(out.left(out.indexOf('\n')))).captured(1).toUShort();
+    const QList<QByteArray> said = out.split('\n');
+    m_port = port.match(QString::fromUtf8(said.value(0))).captured(1).toUShort();
+    if (lobby)
+        m_webPort = port.match(QString::fromUtf8(said.value(1))).captured(1).toUShort();
     return m_port != 0;
 }
 

@@ -9,6 +9,7 @@ inline const QString kFakeGame = QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakeg
 
 // A server program in a child process that names its port at the end of its first line of
 // output ("lobby listening on 127.0.0.1:PORT", "status 127.0.0.1 PORT"). Killed when it goes.
+// A lobby server is started with a free web port unless the arguments name one.
 class ServerProcess
 {
 public:
@@ -16,7 +17,8 @@ public:
     // True once the program has said its port, within 10 s.
     bool start(const QString &program, const QStringList &arguments);
     quint16 port() const { return m_port; }
-    void killHard(); // SIGKILL, no chance to clean up
+    quint16 webPort() const { return m_webPort; } // the lobby server's web pages, 0 if none
+    void killHard();                              // SIGKILL, no chance to clean up
 
     struct Result
     {
@@ -29,4 +31,5 @@ public:
 private:
     QProcess m_process;
     quint16 m_port = 0;
+    quint16 m_webPort = 0;
 };
