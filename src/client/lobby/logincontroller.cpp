@@ -121,16 +121,12 @@ void LoginController::onOldVersion()
 {
     // The server ends the session after "OV"; closing first keeps that from counting as a
     // drop, and with `loggedOFF` nothing reconnects: a server that refuses this version would
-    // refuse it again every 20 s. The session is over before the message box waits.
+    // refuse it again every 20 s. The session is over before the update asks anything.
     m_tmrReconnet->stop();
     m_session.loggedOFF = true;
     m_connection.close();
     m_session.setOnline(false);
-    const QString text = QStringLiteral("This version of QUORVEL (%1) is too old and must be "
-                                        "updated before you can log in.")
-                             .arg(clientVersion());
-    Q_EMIT statusLine(text);
-    m_dialogs.messageBox(applicationTitle(), text, Dialogs::Buttons::Ok, Dialogs::Icon::Warning);
+    Q_EMIT updateRequired();
 }
 
 void LoginController::reconnect()

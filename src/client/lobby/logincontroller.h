@@ -16,8 +16,8 @@ class SessionState;
 // Opens the lobby connection, logs in with the name and password saved in user.txt, logs out,
 // and brings the session back after the server drops it: a drop reconnects every 20 s
 // (`tmrReconnet`) until a connection is made, unless the user logged out. Handles "SL", "LT",
-// "LF" and "OV". "OV" (this version is too old) tells the user and ends the session for good:
-// nothing reconnects until the user logs in again.
+// "LF" and "OV". "OV" (this version is too old) ends the session for good, so that nothing
+// reconnects until the user logs in again, and asks for an update.
 //
 // It reads no window: what it shows and what the lists must do are signals, emitted in the
 // order the effects must happen. The logged-in flag is the session state's; the looks and
@@ -55,6 +55,8 @@ Q_SIGNALS:
     void loginDialogRequested();
     // "LT" brought the statistics id.
     void statsIdReceived(const QString &id);
+    // "OV": the server refuses this version; the session is over.
+    void updateRequired();
 
 private:
     void onConnected();
