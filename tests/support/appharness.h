@@ -10,9 +10,17 @@
 // and registry files in a temporary home of its own. Nothing starts until `app.start()`.
 struct AppHarness
 {
-    explicit AppHarness(client::ServerAddresses servers = {})
+    // How the program was installed and started, for the self-update.
+    struct Program
+    {
+        QString file;        // the installed program; empty: the client cannot update itself
+        bool update = false; // started with "update"
+        QStringList options; // passed on to the updater and the new version
+    };
+
+    explicit AppHarness(client::ServerAddresses servers = {}, Program program = {})
         : app({&tray, &player, &clock, &ticks, &registry, &dialogs, home.filePath("wine"),
-               dataFolder()},
+               dataFolder(), program.file, program.update, program.options},
               std::move(servers))
     {
     }

@@ -196,8 +196,7 @@ void ClientApplication::buildSelfUpdate()
     m_selfUpdate = new SelfUpdate(UpdateFiles{m_services.applicationFile}, *m_session,
                                   *m_services.dialogs, *m_form, m_services.updaterOptions, this);
     connect(m_selfUpdate, &SelfUpdate::statusLine, m_chat, &LobbyChat::addStatusLine);
-    connect(m_login, &LoginController::updateRequired, m_selfUpdate,
-            &SelfUpdate::updateRequired);
+    connect(m_login, &LoginController::updateRequired, m_selfUpdate, &SelfUpdate::updateRequired);
     // The updater runs: the program ends at once, without its shut-down.
     connect(m_selfUpdate, &SelfUpdate::endRequested, this, [this] {
         m_tray->removeIcon();

@@ -37,7 +37,8 @@ void FileDownload::start(const QUrl &url, const QString &path)
         m_error = QStringLiteral("cannot write %1: %2").arg(path, m_file->errorString());
         m_file.reset();
         // Announced from the event loop, as a network failure would be.
-        QMetaObject::invokeMethod(this, [this] { Q_EMIT finished(false); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { Q_EMIT finished(false); }, Qt::QueuedConnection);
         return;
     }
 
@@ -85,11 +86,11 @@ void FileDownload::onFinished()
     if (m_reply->error() != QNetworkReply::NoError && status == 0)
         return fail(m_reply->errorString());
     if (status != 200)
-        return fail(QStringLiteral("%1 answered %2 %3")
-                        .arg(m_reply->url().toString())
-                        .arg(status)
-                        .arg(m_reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute)
-                                 .toString()));
+        return fail(
+            QStringLiteral("%1 answered %2 %3")
+                .arg(m_reply->url().toString())
+                .arg(status)
+                .arg(m_reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString()));
     onReadyRead();
     if (!m_reply)
         return;

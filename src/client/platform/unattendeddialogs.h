@@ -14,16 +14,14 @@ class UnattendedDialogs final : public Dialogs
 public:
     explicit UnattendedDialogs(std::FILE *out = stderr) : m_out(out) {}
 
-    Answer messageBox(const QString &title, const QString &text, Buttons buttons,
-                      Icon) override
+    Answer messageBox(const QString &title, const QString &text, Buttons buttons, Icon) override
     {
         std::fprintf(m_out, "%s: %s\n", qPrintable(title), qPrintable(text));
         std::fflush(m_out);
         return buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok;
     }
     QString openFileName(const QString &, const QString &) override { return {}; }
-    QString inputBox(const QString &, const QString &, const QString &defaultText,
-                     bool) override
+    QString inputBox(const QString &, const QString &, const QString &defaultText, bool) override
     {
         return defaultText;
     }

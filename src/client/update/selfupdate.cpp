@@ -14,8 +14,8 @@
 
 namespace client {
 
-SelfUpdate::SelfUpdate(UpdateFiles files, SessionState &session, Dialogs &dialogs,
-                       QWidget &window, QStringList updaterOptions, QObject *parent)
+SelfUpdate::SelfUpdate(UpdateFiles files, SessionState &session, Dialogs &dialogs, QWidget &window,
+                       QStringList updaterOptions, QObject *parent)
     : QObject(parent), m_files(std::move(files)), m_session(session), m_dialogs(dialogs),
       m_window(window), m_updaterOptions(std::move(updaterOptions))
 {
@@ -41,8 +41,7 @@ bool SelfUpdate::install(std::chrono::milliseconds downloadTimeout)
     bar.show();
 
     // The new version reads its servers from the user's data folder, as any start does.
-    UpdateInstaller installer(m_files, downloadUrl(), m_dialogs, m_updaterOptions,
-                              downloadTimeout);
+    UpdateInstaller installer(m_files, downloadUrl(), m_dialogs, m_updaterOptions, downloadTimeout);
     connect(&installer, &UpdateInstaller::statusLine, this, &SelfUpdate::statusLine);
     connect(&installer, &UpdateInstaller::progress, &bar, [&bar](qint64 received, qint64 total) {
         if (total <= 0)

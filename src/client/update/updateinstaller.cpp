@@ -59,9 +59,9 @@ bool UpdateInstaller::download()
     FileDownload checksum(m_timeout);
     if (!checksum.run(checksumUrl(m_url), m_files.checksum())) {
         QFile::remove(m_files.download());
-        return fail(QStringLiteral("its checksum could not be fetched (%1)")
-                        .arg(checksum.errorString()),
-                    kKeptMessage.arg(QStringLiteral("its checksum could not be fetched")));
+        return fail(
+            QStringLiteral("its checksum could not be fetched (%1)").arg(checksum.errorString()),
+            kKeptMessage.arg(QStringLiteral("its checksum could not be fetched")));
     }
     return true;
 }
@@ -125,8 +125,7 @@ bool UpdateInstaller::fail(const QString &reason, const QString &message)
 {
     m_failure = reason;
     Q_EMIT statusLine(QStringLiteral("Update failed: %1").arg(reason));
-    m_dialogs.messageBox(applicationTitle(), message, Dialogs::Buttons::Ok,
-                         Dialogs::Icon::Warning);
+    m_dialogs.messageBox(applicationTitle(), message, Dialogs::Buttons::Ok, Dialogs::Icon::Warning);
     return false;
 }
 
