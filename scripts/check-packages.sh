@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 build=$(realpath "${1:-build}")
 
 rm -f "$build"/quorvel*.deb
-(cd "$build" && cpack -G DEB >/dev/null)
+(cd "$build" && cpack -G DEB >/dev/null 2>&1)
 client=$(ls "$build"/quorvel_*.deb)
 server=$(ls "$build"/quorvel-server_*.deb)
 work=$(mktemp -d)
@@ -25,7 +25,7 @@ done
 for f in usr/bin/quorvel usr/share/applications/org.quorvel.Quorvel.desktop \
     usr/share/metainfo/org.quorvel.Quorvel.metainfo.xml \
     usr/share/icons/hicolor/scalable/apps/quorvel.svg usr/share/polkit-1/actions/org.quorvel.update.policy \
-    usr/bin/quorvel-server lib/systemd/system/quorvel-server.service; do
+    usr/bin/quorvel-server usr/lib/systemd/system/quorvel-server.service; do
     [[ -e $work/root/$f ]] || { echo "missing from the packages: /$f" >&2; exit 1; }
 done
 dpkg-deb --field "$server" Depends | grep -q adduser
@@ -33,8 +33,11 @@ dpkg-deb --field "$server" Depends | grep -q adduser
 
 desktop-file-validate "$work/root/usr/share/applications/org.quorvel.Quorvel.desktop"
 appstreamcli validate --no-net --explain "$work/root/usr/share/metainfo/org.quorvel.Quorvel.metainfo.xml"
-unit=$work/root/lib/systemd/system/quorvel-server.service
-systemd-analyze verify --root="$work/root" /lib/systemd/system/quorvel-server.service
+unit=$work/root/usr/lib/systemd/system/quorvel-server.service
+# Verified as installed, but with the program where the package was unpacked.
+mkdir -p "$work/unit"
+sed "s#/usr/bin/#$work/root/usr/bin/#" "$unit" >"$work/unit/quorvel-server.service"
+systemd-analyze verify "$work/unit/quorvel-server.service"
 
 # The unit's command, with the packaged program, a state folder of its own and free ports.
 state=$work/state
@@ -53,6 +56,6 @@ done
 grep -q "^web listening on" "$work/server.out" || { cat "$work/server.out" >&2; exit 1; }
 
 if command -v lintian >/dev/null; then
-    lintian --fail-on error --no-tag-display-limit "$client" "$server"
+    lintian --fail-on error --tag-display-limit 0 "$client" "$server"
 fi
 echo "packages ok: $(basename "$client") $(basename "$server")"

@@ -12,6 +12,7 @@
 #include "support/serverprocess.h"
 
 #include <QCryptographicHash>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 #include <csignal>
@@ -90,6 +91,7 @@ private Q_SLOTS:
         const QByteArray oldProgram = contents(lobby.installed);
 
         AppHarness ann(lobby.servers(), {lobby.installed, false, {"--unattended"}});
+        const auto endNewVersion = qScopeGuard([&] { endProgramsOf(lobby.installed); });
         // The updater and the new version are programs of their own, with the user's data
         // folder of the environment.
         qputenv("XDG_DATA_HOME", ann.home.filePath("xdg").toUtf8());
@@ -109,7 +111,6 @@ private Q_SLOTS:
         const bool annLoggedIn =
             QTest::qWaitFor([&] { return watcher.app.players().findEntry("ann") >= 0; }, 30000);
         QCoreApplication::setApplicationVersion(QString());
-        endProgramsOf(lobby.installed);
         QVERIFY(annLoggedIn);
         QCOMPARE(contents(lobby.installed), contents(kNewerClient));
         QCOMPARE(contents(lobby.dir.filePath("installed/old.tmp")), oldProgram);
@@ -157,7 +158,7 @@ private Q_SLOTS:
         QCOMPARE(ann.dialogs.asked.value(0).contains(told), true);
         QTRY_COMPARE_WITH_TIMEOUT(ann.dialogs.asked.size(), 2, 10000);
         QVERIFY(ann.dialogs.asked[1].contains("cannot update itself: the update failed"));
-        QVERIFY(ann.session().loggedOFF);
+        QVERIFY(ann.app.session().loggedOFF);
         QCOMPARE(ended.size(), 0);
         QCOMPARE(contents(lobby.installed), oldProgram);
         QCOMPARE(QDir(lobby.dir.filePath("installed")).entryList(QDir::Files),
