@@ -167,8 +167,7 @@ QString ClientApplication::credentialsPath() const
 void ClientApplication::buildLogin()
 {
     m_login = new LoginController(*m_connection, *m_dispatcher, *m_session, *m_sounds,
-                                  *m_services.dialogs, credentialsPath(),
-                                  LoginController::kReconnectInterval, this);
+                                  credentialsPath(), LoginController::kReconnectInterval, this);
     connect(m_login, &LoginController::statusLine, m_chat, &LobbyChat::addStatusLine);
     connect(m_login, &LoginController::roomListEmptyRequested, m_rooms, &RoomListModel::clearRows);
     connect(m_login, &LoginController::playerListEmptyRequested, m_players,

@@ -3,7 +3,6 @@
 #include "client/lobby/credentialsfile.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
-#include "client/platform/dialogs.h"
 #include "client/session/clientversion.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
@@ -15,12 +14,11 @@
 namespace client {
 
 LoginController::LoginController(LobbyConnection &connection, LobbyDispatcher &dispatcher,
-                                 SessionState &session, EventSounds &sounds, Dialogs &dialogs,
+                                 SessionState &session, EventSounds &sounds,
                                  QString credentialsPath,
                                  std::chrono::milliseconds reconnectInterval, QObject *parent)
     : QObject(parent), m_connection(connection), m_session(session), m_sounds(sounds),
-      m_dialogs(dialogs), m_credentialsPath(std::move(credentialsPath)),
-      m_tmrReconnet(new QTimer(this))
+      m_credentialsPath(std::move(credentialsPath)), m_tmrReconnet(new QTimer(this))
 {
     m_tmrReconnet->setObjectName(QStringLiteral("tmrReconnet"));
     m_tmrReconnet->setInterval(reconnectInterval);

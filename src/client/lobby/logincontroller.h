@@ -7,7 +7,6 @@ class QTimer;
 
 namespace client {
 
-class Dialogs;
 class EventSounds;
 class LobbyConnection;
 class LobbyDispatcher;
@@ -31,7 +30,7 @@ public:
 
     // `credentialsPath` is user.txt in the data folder.
     LoginController(LobbyConnection &connection, LobbyDispatcher &dispatcher, SessionState &session,
-                    EventSounds &sounds, Dialogs &dialogs, QString credentialsPath,
+                    EventSounds &sounds, QString credentialsPath,
                     std::chrono::milliseconds reconnectInterval = kReconnectInterval,
                     QObject *parent = nullptr);
 
@@ -69,7 +68,6 @@ private:
     LobbyConnection &m_connection;
     SessionState &m_session;
     EventSounds &m_sounds;
-    Dialogs &m_dialogs;
     QString m_credentialsPath;
     QTimer *m_tmrReconnet;
 };

@@ -36,7 +36,6 @@ struct Session
     SessionState state;
     RecordingPlayer player;
     EventSounds sounds{player, [] { return false; }, [] { return QString(); }};
-    FakeDialogs dialogs;
     OnlineTimer timer1{state};
     QStringList lines;
     int listResets = 0;
@@ -47,9 +46,8 @@ struct Session
     {
         state.lobbyServerHost = QStringLiteral("127.0.0.1");
         state.lobbyPort = server.port();
-        login =
-            std::make_unique<LoginController>(connection, dispatcher, state, sounds, dialogs,
-                                              userFile(), std::chrono::milliseconds(reconnectMs));
+        login = std::make_unique<LoginController>(connection, dispatcher, state, sounds, userFile(),
+                                                  std::chrono::milliseconds(reconnectMs));
         QObject::connect(login.get(), &LoginController::statusLine,
                          [this](const QString &line) { lines << line; });
         QObject::connect(login.get(), &LoginController::playerListResetRequested,
