@@ -8,6 +8,7 @@ packages=(
     qt6-image-formats-plugins qt6-svg-dev qt6-qpa-plugins libxcb1-dev libsodium-dev
     libgtest-dev libbenchmark-dev xvfb xauth xdotool x11-utils
     clang libclang-rt-14-dev
+    dpkg-dev lintian desktop-file-utils appstream
 )
 
 missing=()

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds QUORVEL and runs every test; then the same tests again
-# in a build with AddressSanitizer and UndefinedBehaviorSanitizer.
+# Installs what is missing, builds QUORVEL, runs every test and builds and checks the Debian
+# packages; then the same tests again in a build with AddressSanitizer and
+# UndefinedBehaviorSanitizer.
 #   scripts/test.sh            both builds
 #   scripts/test.sh --quick    the normal build only
 set -euo pipefail
@@ -19,6 +20,9 @@ run_suite() {
 
 echo "== Build and test"
 run_suite build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+echo "== Build and check the Debian packages"
+bash scripts/check-packages.sh build
 
 if [[ ${1:-} != "--quick" ]]; then
     echo "== Build and test with AddressSanitizer and UndefinedBehaviorSanitizer"

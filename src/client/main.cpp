@@ -5,6 +5,7 @@
 #include "client/platform/registrylinux.h"
 #include "client/platform/soundplayer.h"
 #include "client/platform/trayservice.h"
+#include "client/platform/unattendeddialogs.h"
 #include "client/session/clock.h"
 #include "client/session/lobbyaddress.h"
 #include "client/session/tickcount.h"
@@ -12,14 +13,26 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <cstdio>
+#include <cstring>
+
+#ifndef QUORVEL_CLIENT_VERSION
+#define QUORVEL_CLIENT_VERSION QUORVEL_VERSION
+#endif
 
 using namespace client;
 
 int main(int argc, char *argv[])
 {
+    // Answered before any window system is needed: the updater asks a downloaded program this
+    // to see that it runs here.
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("quorvel " QUORVEL_CLIENT_VERSION "\n");
+        return 0;
+    }
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("quorvel"));
-    QApplication::setApplicationVersion(QStringLiteral("6.0"));
+    QApplication::setApplicationVersion(QStringLiteral(QUORVEL_CLIENT_VERSION));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("QUORVEL lobby client"));
@@ -32,10 +45,17 @@ int main(int argc, char *argv[])
         QStringLiteral("Web server for statistics and updates, HOST[:PORT] (default: the lobby "
                        "host, port 80)."),
         QStringLiteral("HOST[:PORT]"));
+    const QCommandLineOption unattendedOption(
+        QStringLiteral("unattended"),
+        QStringLiteral("Nobody is at the screen: write message boxes to standard error and "
+                       "answer them with their first button."));
     parser.addOption(lobbyOption);
     parser.addOption(webOption);
+    parser.addOption(unattendedOption);
+    parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("update"),
-                                 QStringLiteral("Install a downloaded update."));
+                                 QStringLiteral("Install the published version of QUORVEL over "
+                                                "this one, then start it."));
     parser.process(app);
 
     const QString dataFolder = DataFolder::path().value_or(QString());
@@ -68,10 +88,16 @@ int main(int argc, char *argv[])
     SystemClock clock;
     SystemTickCount ticks;
     LinuxRegistry registry(LinuxRegistry::defaultPaths(dataFolder));
-    QtDialogs dialogs;
-    ClientApplication client({&tray, &sounds, &clock, &ticks, &registry, &dialogs,
-                              LinuxRegistry::defaultWinePrefix(), dataFolder},
-                             servers);
+    QtDialogs screenDialogs;
+    UnattendedDialogs unattendedDialogs;
+    const bool unattended = parser.isSet(unattendedOption);
+    Dialogs &dialogs = unattended ? static_cast<Dialogs &>(unattendedDialogs) : screenDialogs;
+    ClientApplication client(
+        {&tray, &sounds, &clock, &ticks, &registry, &dialogs, LinuxRegistry::defaultWinePrefix(),
+         dataFolder, QCoreApplication::applicationFilePath(),
+         parser.positionalArguments() == QStringList{QStringLiteral("update")},
+         unattended ? QStringList{QStringLiteral("--unattended")} : QStringList{}},
+        servers);
     // Queued, so that the shut-down's deferred window deletions run before the loop ends.
     QObject::connect(&client, &ClientApplication::shutDownFinished, &app, &QCoreApplication::quit,
                      Qt::QueuedConnection);

@@ -7,6 +7,7 @@
 #include "server/filelimit.h"
 #include "server/lobbyserver.h"
 #include "server/passwordhash.h"
+#include "server/publisheddownload.h"
 #include "server/serveroptions.h"
 #include "server/webserver.h"
 
@@ -43,6 +44,7 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     out << "lobby listening on " << shown << ':' << lobby.serverPort() << Qt::endl;
     // The lobby runs without its pages rather than not at all (port 80 needs privileges).
     server::WebServer web;
+    server::PublishedDownload(options.publishFile).addRoutes(web.http());
     if (web.listen(options.listenAddress, options.httpPort))
         out << "web listening on " << shown << ':' << web.serverPort() << Qt::endl;
     else

@@ -20,6 +20,8 @@ const QString kUsage = QStringLiteral(
     "  --port N                 lobby port (default 20000; 0 picks a free one)\n"
     "  --http-port N            web pages port (default 80; 0 picks a free one)\n"
     "  --db PATH                database file (default in the user's data folder)\n"
+    "  --publish FILE           the client program that outdated clients download (with\n"
+    "                           FILE.sha256 beside it if given, else its SHA-256 is computed)\n"
     "  --versions LIST          accepted client versions, comma-separated (default \"V 6.0\")\n"
     "  --registration open|closed  whether a login with an unknown name creates the account\n"
     "                           (default closed)\n"
@@ -98,10 +100,10 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
         return QCommandLineOption(QString::fromLatin1(name), QString(), QStringLiteral("value"));
     };
     parser.addOptions({valueOption("listen"), valueOption("port"), valueOption("http-port"),
-                       valueOption("db"), valueOption("versions"), valueOption("registration"),
-                       valueOption("login-timeout"), valueOption("idle-timeout"),
-                       valueOption("hash-cost"), valueOption("email"), valueOption("colour"),
-                       QCommandLineOption(QStringLiteral("help"))});
+                       valueOption("db"), valueOption("publish"), valueOption("versions"),
+                       valueOption("registration"), valueOption("login-timeout"),
+                       valueOption("idle-timeout"), valueOption("hash-cost"), valueOption("email"),
+                       valueOption("colour"), QCommandLineOption(QStringLiteral("help"))});
     if (!parser.parse(arguments))
         return OptionsError{parser.errorText() + QLatin1Char('\n') + kUsage};
     if (parser.isSet(QStringLiteral("help")))
@@ -137,6 +139,7 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
     }
     options.databasePath = parser.isSet(QStringLiteral("db")) ? parser.value(QStringLiteral("db"))
                                                               : defaultDatabasePath();
+    options.publishFile = parser.value(QStringLiteral("publish"));
     if (parser.isSet(QStringLiteral("versions"))) {
         QStringList versions;
         for (const QString &v : parser.value(QStringLiteral("versions")).split(QLatin1Char(','))) {

@@ -18,6 +18,7 @@ struct ServerOptions
     quint16 port = 20000;
     quint16 httpPort = 80; // the web pages; 0 picks a free one
     QString databasePath;
+    QString publishFile; // the client program offered for updates; empty: none
     LobbyConfig lobby;
     HashCost hashCost = HashCost::Standard; // of the passwords registered while it runs
 };

@@ -6,13 +6,21 @@
 
 #include <QTemporaryDir>
 
+// How the program was installed and started, for the self-update.
+struct AppProgram
+{
+    QString file;        // the installed program; empty: the client cannot update itself
+    bool update = false; // started with "update"
+    QStringList options; // passed on to the updater and the new version
+};
+
 // The whole client as the program builds it, over the fakes, with its data folder, Wine prefix
 // and registry files in a temporary home of its own. Nothing starts until `app.start()`.
 struct AppHarness
 {
-    explicit AppHarness(client::ServerAddresses servers = {})
+    explicit AppHarness(client::ServerAddresses servers = {}, AppProgram program = {})
         : app({&tray, &player, &clock, &ticks, &registry, &dialogs, home.filePath("wine"),
-               dataFolder()},
+               dataFolder(), program.file, program.update, program.options},
               std::move(servers))
     {
     }

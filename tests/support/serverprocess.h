@@ -6,6 +6,9 @@
 // Programs of this build that tests run as child processes.
 inline const QString kLobbyServer = QStringLiteral(QUORVEL_BINARY_DIR "/src/server/quorvel-server");
 inline const QString kFakeGame = QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/fakegame");
+inline const QString kClient = QStringLiteral(QUORVEL_BINARY_DIR "/src/client/quorvel");
+// The same client with a higher version ("V 6.1").
+inline const QString kNewerClient = QStringLiteral(QUORVEL_BINARY_DIR "/tests/quorvel_next");
 
 // A server program in a child process that names its port at the end of its first line of
 // output ("lobby listening on 127.0.0.1:PORT", "status 127.0.0.1 PORT"). Killed when it goes.

@@ -34,6 +34,7 @@
 #include "client/session/sessionstate.h"
 #include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
+#include "client/update/selfupdate.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -69,6 +70,7 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     buildWindows();
     buildTray();
     buildLogin();
+    buildSelfUpdate();
 
     // Polls the statistics-reset hot key while the reset option is on.
     m_tmrStatsReset = new QTimer(this);
@@ -165,8 +167,7 @@ QString ClientApplication::credentialsPath() const
 void ClientApplication::buildLogin()
 {
     m_login = new LoginController(*m_connection, *m_dispatcher, *m_session, *m_sounds,
-                                  *m_services.dialogs, credentialsPath(),
-                                  LoginController::kReconnectInterval, this);
+                                  credentialsPath(), LoginController::kReconnectInterval, this);
     connect(m_login, &LoginController::statusLine, m_chat, &LobbyChat::addStatusLine);
     connect(m_login, &LoginController::roomListEmptyRequested, m_rooms, &RoomListModel::clearRows);
     connect(m_login, &LoginController::playerListEmptyRequested, m_players,
@@ -186,6 +187,19 @@ void ClientApplication::buildLogin()
     connect(m_login, &LoginController::statsIdReceived, this, [this](const QString &id) {
         m_form->picViewStats->setTag(id);
         m_form->picViewStats->show();
+    });
+}
+
+void ClientApplication::buildSelfUpdate()
+{
+    m_selfUpdate = new SelfUpdate(UpdateFiles{m_services.applicationFile}, *m_session,
+                                  *m_services.dialogs, *m_form, m_services.updaterOptions, this);
+    connect(m_selfUpdate, &SelfUpdate::statusLine, m_chat, &LobbyChat::addStatusLine);
+    connect(m_login, &LoginController::updateRequired, m_selfUpdate, &SelfUpdate::updateRequired);
+    // The updater runs: the program ends at once, without its shut-down.
+    connect(m_selfUpdate, &SelfUpdate::endRequested, this, [this] {
+        m_tray->removeIcon();
+        Q_EMIT shutDownFinished();
     });
 }
 
@@ -226,7 +240,12 @@ bool ClientApplication::start()
     const HostPort web = m_servers.webOrLobbyHost();
     m_session->webHost = web.host;
     m_session->webPort = web.port;
-    // The "update" installation of a downloaded client belongs here, once self-update exists.
+    // Started with "update": a new version that installs and starts replaces this program. A
+    // failed one leaves this version running, which then knows not to update again.
+    if (m_services.installUpdate && m_selfUpdate->mayInstall() && m_selfUpdate->install()) {
+        Q_EMIT shutDownFinished();
+        return true;
+    }
     startGameQuery();
     m_session->textSendTime = m_services.clock->now();
     m_session->inGame = false;

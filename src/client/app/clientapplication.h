@@ -3,6 +3,7 @@
 #include "client/session/lobbyaddress.h"
 
 #include <QObject>
+#include <QStringList>
 #include <memory>
 
 class QTimer;
@@ -29,6 +30,7 @@ class PlayerListModel;
 class Registry;
 class RoomListHandlers;
 class RoomListModel;
+class SelfUpdate;
 class SessionLooks;
 class SessionState;
 class SoundPlayer;
@@ -57,6 +59,12 @@ public:
         QString winePrefix;
         // The data folder (user.txt, settingRS.txt); empty when the platform has none.
         QString dataFolder;
+        // The installed program, which an update replaces; empty: no self-update.
+        QString applicationFile;
+        // Started with "update": install the published version at start-up.
+        bool installUpdate = false;
+        // Options the updater copy and the new version are started with.
+        QStringList updaterOptions;
     };
 
     ClientApplication(Services services, ServerAddresses servers, QObject *parent = nullptr);
@@ -77,9 +85,11 @@ public:
     PlayerListModel &players() { return *m_players; }
     // Exists from start-up step 5 on.
     GameServerQuery *gameQuery() { return m_gameQuery; }
+    SelfUpdate &selfUpdate() { return *m_selfUpdate; }
 
 Q_SIGNALS:
-    // The shut-down ran; the program's event loop ends on it.
+    // The shut-down ran, or an update runs and the program ends at once; the program's event
+    // loop ends on it.
     void shutDownFinished();
 
 private:
@@ -87,6 +97,7 @@ private:
     void buildWindows();
     void buildTray();
     void buildLogin();
+    void buildSelfUpdate();
     // user.txt in the data folder.
     QString credentialsPath() const;
     void startGameQuery();
@@ -116,6 +127,7 @@ private:
     PlayerListHandlers *m_playerHandlers = nullptr;
     RoomListHandlers *m_roomHandlers = nullptr;
     GameServerQuery *m_gameQuery = nullptr;
+    SelfUpdate *m_selfUpdate = nullptr;
     QTimer *m_tmrStatsReset = nullptr;
     bool m_optionsLoaded = false;
 };

@@ -3,7 +3,6 @@
 #include "client/lobby/credentialsfile.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
-#include "client/platform/dialogs.h"
 #include "client/session/clientversion.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
@@ -15,12 +14,11 @@
 namespace client {
 
 LoginController::LoginController(LobbyConnection &connection, LobbyDispatcher &dispatcher,
-                                 SessionState &session, EventSounds &sounds, Dialogs &dialogs,
+                                 SessionState &session, EventSounds &sounds,
                                  QString credentialsPath,
                                  std::chrono::milliseconds reconnectInterval, QObject *parent)
     : QObject(parent), m_connection(connection), m_session(session), m_sounds(sounds),
-      m_dialogs(dialogs), m_credentialsPath(std::move(credentialsPath)),
-      m_tmrReconnet(new QTimer(this))
+      m_credentialsPath(std::move(credentialsPath)), m_tmrReconnet(new QTimer(this))
 {
     m_tmrReconnet->setObjectName(QStringLiteral("tmrReconnet"));
     m_tmrReconnet->setInterval(reconnectInterval);
@@ -121,16 +119,12 @@ void LoginController::onOldVersion()
 {
     // The server ends the session after "OV"; closing first keeps that from counting as a
     // drop, and with `loggedOFF` nothing reconnects: a server that refuses this version would
-    // refuse it again every 20 s. The session is over before the message box waits.
+    // refuse it again every 20 s. The session is over before the update asks anything.
     m_tmrReconnet->stop();
     m_session.loggedOFF = true;
     m_connection.close();
     m_session.setOnline(false);
-    const QString text = QStringLiteral("This version of QUORVEL (%1) is too old and must be "
-                                        "updated before you can log in.")
-                             .arg(clientVersion());
-    Q_EMIT statusLine(text);
-    m_dialogs.messageBox(applicationTitle(), text, Dialogs::Buttons::Ok, Dialogs::Icon::Warning);
+    Q_EMIT updateRequired();
 }
 
 void LoginController::reconnect()

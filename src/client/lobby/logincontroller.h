@@ -7,7 +7,6 @@ class QTimer;
 
 namespace client {
 
-class Dialogs;
 class EventSounds;
 class LobbyConnection;
 class LobbyDispatcher;
@@ -16,8 +15,8 @@ class SessionState;
 // Opens the lobby connection, logs in with the name and password saved in user.txt, logs out,
 // and brings the session back after the server drops it: a drop reconnects every 20 s
 // (`tmrReconnet`) until a connection is made, unless the user logged out. Handles "SL", "LT",
-// "LF" and "OV". "OV" (this version is too old) tells the user and ends the session for good:
-// nothing reconnects until the user logs in again.
+// "LF" and "OV". "OV" (this version is too old) ends the session for good, so that nothing
+// reconnects until the user logs in again, and asks for an update.
 //
 // It reads no window: what it shows and what the lists must do are signals, emitted in the
 // order the effects must happen. The logged-in flag is the session state's; the looks and
@@ -31,7 +30,7 @@ public:
 
     // `credentialsPath` is user.txt in the data folder.
     LoginController(LobbyConnection &connection, LobbyDispatcher &dispatcher, SessionState &session,
-                    EventSounds &sounds, Dialogs &dialogs, QString credentialsPath,
+                    EventSounds &sounds, QString credentialsPath,
                     std::chrono::milliseconds reconnectInterval = kReconnectInterval,
                     QObject *parent = nullptr);
 
@@ -55,6 +54,8 @@ Q_SIGNALS:
     void loginDialogRequested();
     // "LT" brought the statistics id.
     void statsIdReceived(const QString &id);
+    // "OV": the server refuses this version; the session is over.
+    void updateRequired();
 
 private:
     void onConnected();
@@ -67,7 +68,6 @@ private:
     LobbyConnection &m_connection;
     SessionState &m_session;
     EventSounds &m_sounds;
-    Dialogs &m_dialogs;
     QString m_credentialsPath;
     QTimer *m_tmrReconnet;
 };

@@ -1,0 +1,132 @@
+#include "client/update/updateinstaller.h"
+
+#include "client/platform/dialogs.h"
+#include "client/platform/filedownload.h"
+#include "client/update/checksum.h"
+#include "client/update/programstart.h"
+
+#include <QFile>
+#include <QProcess>
+#include <filesystem>
+#include <system_error>
+
+namespace client {
+
+namespace {
+
+const QString kKeptMessage = QStringLiteral("The update was not installed: %1. This version "
+                                            "stays installed.");
+
+std::filesystem::path fsPath(const QString &path)
+{
+    return std::filesystem::path(path.toStdString());
+}
+
+} // namespace
+
+UpdateInstaller::UpdateInstaller(UpdateFiles files, QUrl url, Dialogs &dialogs,
+                                 QStringList restartArguments,
+                                 std::chrono::milliseconds downloadTimeout, QObject *parent)
+    : QObject(parent), m_files(std::move(files)), m_url(std::move(url)), m_dialogs(dialogs),
+      m_restartArguments(std::move(restartArguments)), m_timeout(downloadTimeout)
+{
+}
+
+bool UpdateInstaller::install()
+{
+    m_failure.clear();
+    Q_EMIT statusLine(QStringLiteral("Downloading new version of quorvel..."));
+    if (!download() || !verify() || !swap())
+        return false;
+
+    m_dialogs.messageBox(QStringLiteral("Done"), QStringLiteral("Update completed"));
+    if (startProgramAsUser(m_files.executable, m_restartArguments))
+        return true;
+    // The old program goes back in place rather than leaving one that cannot start.
+    std::error_code error;
+    std::filesystem::rename(fsPath(m_files.previous()), fsPath(m_files.executable), error);
+    return fail(QStringLiteral("the new version could not be started"),
+                kKeptMessage.arg(QStringLiteral("the new version could not be started")));
+}
+
+bool UpdateInstaller::download()
+{
+    FileDownload program(m_timeout);
+    connect(&program, &FileDownload::progress, this, &UpdateInstaller::progress);
+    if (!program.run(m_url, m_files.download()))
+        return fail(program.errorString(), QStringLiteral("Something went wrong try later"));
+
+    FileDownload checksum(m_timeout);
+    if (!checksum.run(checksumUrl(m_url), m_files.checksum())) {
+        QFile::remove(m_files.download());
+        return fail(
+            QStringLiteral("its checksum could not be fetched (%1)").arg(checksum.errorString()),
+            kKeptMessage.arg(QStringLiteral("its checksum could not be fetched")));
+    }
+    return true;
+}
+
+bool UpdateInstaller::verify()
+{
+    QFile checksumFile(m_files.checksum());
+    const QByteArray published =
+        checksumFile.open(QIODevice::ReadOnly) ? checksumFile.read(4096) : QByteArray();
+    checksumFile.close();
+    checksumFile.remove();
+    const std::optional<QByteArray> expected = parseSha256Line(published);
+    const std::optional<QByteArray> actual = sha256OfFile(m_files.download());
+    if (!expected || !actual || *expected != *actual) {
+        QFile::remove(m_files.download());
+        const QString reason = QStringLiteral("the download does not match its published checksum");
+        return fail(reason, kKeptMessage.arg(reason));
+    }
+
+    // The checksum proves the file is what was published; this proves it runs here.
+    QFile::setPermissions(m_files.download(), QFile::permissions(m_files.executable) |
+                                                  QFileDevice::ExeOwner | QFileDevice::ReadOwner);
+    QProcess check;
+    check.start(m_files.download(), {QStringLiteral("--version")});
+    const bool ran = check.waitForFinished(10000) && check.exitStatus() == QProcess::NormalExit &&
+                     check.exitCode() == 0 && check.readAllStandardOutput().startsWith("quorvel ");
+    if (!ran) {
+        check.kill();
+        check.waitForFinished(1000);
+        QFile::remove(m_files.download());
+        const QString reason = QStringLiteral("the downloaded program does not run here");
+        return fail(reason, kKeptMessage.arg(reason));
+    }
+    return true;
+}
+
+bool UpdateInstaller::swap()
+{
+    // The installed program stays as "old.tmp" (a second name for the same file), and the new
+    // one replaces it in one rename: at no moment is there no program to start.
+    std::error_code error;
+    std::filesystem::remove(fsPath(m_files.previous()), error);
+    std::filesystem::create_hard_link(fsPath(m_files.executable), fsPath(m_files.previous()),
+                                      error);
+    if (error)
+        std::filesystem::copy_file(fsPath(m_files.executable), fsPath(m_files.previous()),
+                                   std::filesystem::copy_options::overwrite_existing, error);
+    if (!error)
+        std::filesystem::rename(fsPath(m_files.download()), fsPath(m_files.executable), error);
+    if (error) {
+        QFile::remove(m_files.download());
+        const QString reason =
+            QStringLiteral("%1 could not be replaced (%2)")
+                .arg(m_files.executable, QString::fromLocal8Bit(error.message().c_str()));
+        return fail(reason, kKeptMessage.arg(reason));
+    }
+    return true;
+}
+
+bool UpdateInstaller::fail(const QString &reason, const QString &message)
+{
+    m_failure = reason;
+    Q_EMIT statusLine(QStringLiteral("Update failed: %1").arg(reason));
+    m_dialogs.messageBox(applicationTitle(), message, Dialogs::Buttons::Ok, Dialogs::Icon::Warning);
+    return false;
+}
+
+} // namespace client

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+class QHttpServer;
+
+namespace server {
+
+// The current client program, published on the web pages for clients to update themselves:
+// /public/quorvel/quor_vel.exe is the file given with --publish, read afresh at each request so
+// that replacing the file publishes the new one; /public/quorvel/quor_vel.exe.sha256 is its
+// SHA-256 in "sha256sum" form, taken from FILE.sha256 when the publisher put one beside it and
+// computed otherwise. Both are 404 while no file is published.
+class PublishedDownload
+{
+public:
+    static constexpr auto kPath = "/public/quorvel/quor_vel.exe";
+
+    explicit PublishedDownload(QString file) : m_file(std::move(file)) {}
+
+    void addRoutes(QHttpServer &http) const;
+
+private:
+    QString m_file;
+};
+
+} // namespace server

@@ -1,0 +1,170 @@
+// A client the lobby finds too old updates itself from the lobby's web server, against the
+// real server and with real programs: the installed client starts its updater copy, which
+// replaces it with the published newer build and starts that, which logs in. Downloads that
+// fail or do not match their checksum leave the installed client in place and running.
+// ctest: timeout=180
+#include "client/app/clientapplication.h"
+#include "client/lobby/credentialsfile.h"
+#include "client/presence/playerlistmodel.h"
+#include "client/session/sessionstate.h"
+#include "support/appharness.h"
+#include "support/files.h"
+#include "support/serverprocess.h"
+
+#include <QCryptographicHash>
+#include <QScopeGuard>
+#include <QSignalSpy>
+#include <QTest>
+#include <csignal>
+
+using namespace client;
+
+namespace {
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A data folder that logs in automatically as `name`, with a game folder so that it starts
+// quietly.
+void writeUser(const QString &dataFolder, const QString &name, const ServerAddresses &servers)
+{
+    const QString game = dataFolder + "/RogueSpear";
+    QDir().mkpath(game);
+    writeFile(dataFolder + "/settingRS.txt",
+              "0\r\n1\r\n0\r\n0\r\n0\r\n" + game.toUtf8() + "\r\n\r\n");
+    CredentialsFile::write(dataFolder + "/user.txt", {name, "pw-" + name});
+    servers.save(dataFolder);
+}
+
+// Ends the programs started from `program` (the new version runs detached from the test).
+void endProgramsOf(const QString &program)
+{
+    for (const QFileInfo &entry : QDir("/proc").entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        bool isPid = false;
+        const int pid = entry.fileName().toInt(&isPid);
+        if (isPid && QFileInfo(entry.filePath() + "/exe").symLinkTarget() == program)
+            ::kill(pid, SIGTERM);
+    }
+}
+
+// A lobby that accepts only "V 6.1" and publishes what `publish` holds, and a client installed
+// into a writable folder of its own, logging in automatically as "ann".
+struct Lobby
+{
+    QTemporaryDir dir;
+    ServerProcess server;
+    QString published = dir.filePath("published/quor_vel.exe");
+    QString installed = dir.filePath("installed/quorvel");
+
+    bool start()
+    {
+        QDir().mkpath(dir.filePath("installed"));
+        QDir().mkpath(dir.filePath("published"));
+        return QFile::copy(kClient, installed) &&
+               server.start(kLobbyServer,
+                            {"--listen", "127.0.0.1", "--port", "0", "--versions", "V 6.1",
+                             "--registration", "open", "--hash-cost", "minimal", "--publish",
+                             published, "--db", dir.filePath("lobby.sqlite")});
+    }
+    ServerAddresses servers() const
+    {
+        return {.lobby = {"127.0.0.1", server.port()},
+                .web = HostPort{"127.0.0.1", server.webPort()}};
+    }
+};
+
+} // namespace
+
+class TestSelfUpdate : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void updatesToThePublishedVersion()
+    {
+        Lobby lobby;
+        QVERIFY(lobby.start());
+        QVERIFY(QFile::copy(kNewerClient, lobby.published));
+        const QByteArray oldProgram = contents(lobby.installed);
+
+        AppHarness ann(lobby.servers(), {lobby.installed, false, {"--unattended"}});
+        const auto endNewVersion = qScopeGuard([&] { endProgramsOf(lobby.installed); });
+        // The updater and the new version are programs of their own, with the user's data
+        // folder of the environment.
+        qputenv("XDG_DATA_HOME", ann.home.filePath("xdg").toUtf8());
+        writeUser(ann.dataFolder(), "ann", lobby.servers());
+        writeUser(ann.home.filePath("xdg/Quorvel"), "ann", lobby.servers());
+        QSignalSpy ended(&ann.app, &ClientApplication::shutDownFinished);
+        QVERIFY(ann.app.start());
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 10000);
+        QCOMPARE(ann.dialogs.asked, QStringList{"Have to update Quorvel"});
+        QVERIFY(!ann.tray.shown);
+
+        // The new version logs in where the old one was refused.
+        QCoreApplication::setApplicationVersion("6.1");
+        AppHarness watcher(lobby.servers());
+        writeUser(watcher.dataFolder(), "watcher", lobby.servers());
+        QVERIFY(watcher.app.start());
+        const bool annLoggedIn =
+            QTest::qWaitFor([&] { return watcher.app.players().findEntry("ann") >= 0; }, 30000);
+        QCoreApplication::setApplicationVersion(QString());
+        QVERIFY(annLoggedIn);
+        QCOMPARE(contents(lobby.installed), contents(kNewerClient));
+        QCOMPARE(contents(lobby.dir.filePath("installed/old.tmp")), oldProgram);
+        QVERIFY(!QFile::exists(lobby.dir.filePath("installed/quor_vel.tmp")));
+    }
+
+    void failedUpdateKeepsThisVersion_data()
+    {
+        QTest::addColumn<QByteArray>("program");
+        QTest::addColumn<QByteArray>("checksum"); // published beside it; empty: computed
+        QTest::addColumn<QString>("told");
+        QByteArray newer = contents(kNewerClient);
+        const QByteArray sum = QCryptographicHash::hash(newer, QCryptographicHash::Sha256).toHex();
+        QByteArray corrupted = newer;
+        corrupted[corrupted.size() / 2] = char(corrupted[corrupted.size() / 2] ^ 0x55);
+        const QString mismatch = "the download does not match its published checksum";
+
+        QTest::newRow("nothing published")
+            << QByteArray() << QByteArray() << "Something went wrong try later";
+        QTest::newRow("corrupted download") << corrupted << sum + "  quor_vel.exe\n" << mismatch;
+        QTest::newRow("checksum mismatch") << newer << QByteArray(64, 'a') << mismatch;
+        QTest::newRow("not a program") << QByteArray("#!/nonexistent\n") << QByteArray()
+                                       << "the downloaded program does not run here";
+    }
+
+    // The copy started with "update" tells why, keeps the installed program, goes on as this
+    // version, and when the lobby refuses it again says so instead of updating once more.
+    void failedUpdateKeepsThisVersion()
+    {
+        QFETCH(QByteArray, program);
+        QFETCH(QByteArray, checksum);
+        QFETCH(QString, told);
+        Lobby lobby;
+        QVERIFY(lobby.start());
+        if (!program.isEmpty())
+            QVERIFY(writeFile(lobby.published, program));
+        if (!checksum.isEmpty())
+            QVERIFY(writeFile(lobby.published + ".sha256", checksum));
+        const QByteArray oldProgram = contents(lobby.installed);
+
+        AppHarness ann(lobby.servers(), {lobby.installed, true, {}});
+        writeUser(ann.dataFolder(), "ann", lobby.servers());
+        QSignalSpy ended(&ann.app, &ClientApplication::shutDownFinished);
+        QVERIFY(ann.app.start());
+        QCOMPARE(ann.dialogs.asked.value(0).contains(told), true);
+        QTRY_COMPARE_WITH_TIMEOUT(ann.dialogs.asked.size(), 2, 10000);
+        QVERIFY(ann.dialogs.asked[1].contains("cannot update itself: the update failed"));
+        QVERIFY(ann.app.session().loggedOFF);
+        QCOMPARE(ended.size(), 0);
+        QCOMPARE(contents(lobby.installed), oldProgram);
+        QCOMPARE(QDir(lobby.dir.filePath("installed")).entryList(QDir::Files),
+                 QStringList{"quorvel"});
+    }
+};
+
+QTEST_MAIN(TestSelfUpdate)
+#include "tst_selfupdate.moc"
