@@ -25,7 +25,8 @@ bool DetachedProcessStarter::needsWine(const QString &program)
            !head.startsWith("#!");
 }
 
-QString DetachedProcessStarter::startDetached(const QString &program, const QStringList &arguments)
+QString DetachedProcessStarter::startDetached(const QString &program, const QStringList &arguments,
+                                              qint64 *pid)
 {
     const QFileInfo info(program);
     if (!info.isFile())
@@ -50,7 +51,7 @@ QString DetachedProcessStarter::startDetached(const QString &program, const QStr
     }
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
-    if (!process.startDetached())
+    if (!process.startDetached(pid))
         return QStringLiteral("Could not start %1: %2")
             .arg(process.program(), process.errorString());
     return {};

@@ -16,7 +16,8 @@ public:
     explicit DetachedProcessStarter(QString wineCommand = QString::fromLatin1(kDefaultWine),
                                     QString winePrefix = {});
 
-    QString startDetached(const QString &program, const QStringList &arguments) override;
+    QString startDetached(const QString &program, const QStringList &arguments,
+                          qint64 *pid = nullptr) override;
 
     // Whether the file must run through Wine: its name ends in ".exe" (any case) and it is not
     // a native executable (an ELF binary or a script).

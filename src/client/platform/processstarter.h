@@ -12,8 +12,10 @@ class ProcessStarter
 public:
     virtual ~ProcessStarter() = default;
 
-    // Empty when the process was started; otherwise why not, in words for the user.
-    virtual QString startDetached(const QString &program, const QStringList &arguments) = 0;
+    // Empty when the process was started (its id in `pid` when asked); otherwise why not, in
+    // words for the user.
+    virtual QString startDetached(const QString &program, const QStringList &arguments,
+                                  qint64 *pid = nullptr) = 0;
 };
 
 } // namespace client
