@@ -26,7 +26,7 @@ done
 
 bash scripts/setup.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build build -j "$(nproc)" --target quorvel quorvel-server
+cmake --build build -j "$(nproc)" --target quorvel quorvel-server fakegame
 
 run_dir=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-run.XXXXXX")
 pids=()
