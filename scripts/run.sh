@@ -26,7 +26,7 @@ done
 
 bash scripts/setup.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build build -j "$(nproc)" --target quorvel quorvel-server
+cmake --build build -j "$(nproc)" --target quorvel quorvel-server fakegame
 
 run_dir=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-run.XXXXXX")
 pids=()
@@ -50,6 +50,8 @@ start_client() {
     # folders.
     printf '0\r\n1\r\n0\r\n0\r\n0\r\n%s\r\n\r\n' "$home/RogueSpear" \
         >"$home/data/Quorvel/settingRS.txt"
+    # The stand-in game, started by the client when the player hosts or joins a game.
+    cp build/tools/fakegame/game/roguespear.exe "$home/RogueSpear/"
     XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
         build/src/client/quorvel --lobby "127.0.0.1:$port" --web "127.0.0.1:$web_port" >"$home/client.log" 2>&1 &
     pids+=($!)

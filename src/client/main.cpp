@@ -1,11 +1,13 @@
 // quorvel: the desktop lobby client.
 #include "client/app/clientapplication.h"
 #include "client/platform/datafolder.h"
+#include "client/platform/detachedprocessstarter.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/registrylinux.h"
 #include "client/platform/soundplayer.h"
 #include "client/platform/trayservice.h"
 #include "client/platform/unattendeddialogs.h"
+#include "client/platform/wineconfig.h"
 #include "client/session/clock.h"
 #include "client/session/lobbyaddress.h"
 #include "client/session/tickcount.h"
@@ -52,6 +54,11 @@ int main(int argc, char *argv[])
     parser.addOption(lobbyOption);
     parser.addOption(webOption);
     parser.addOption(unattendedOption);
+    const QCommandLineOption wineOption(
+        QStringLiteral("wine"),
+        QStringLiteral("The command that runs the games' .exe files (default: wine)."),
+        QStringLiteral("CMD"));
+    parser.addOption(wineOption);
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("update"),
                                  QStringLiteral("Install the published version of QUORVEL over "
@@ -83,6 +90,11 @@ int main(int argc, char *argv[])
         changed = true;
     }
 
+    if (parser.isSet(wineOption) && !dataFolder.isEmpty())
+        WineConfig::saveCommand(dataFolder, parser.value(wineOption));
+    DetachedProcessStarter processes(parser.isSet(wineOption) ? parser.value(wineOption)
+                                                              : WineConfig::command(dataFolder),
+                                     LinuxRegistry::defaultWinePrefix());
     SystemTrayService tray;
     EffectSoundPlayer sounds;
     SystemClock clock;
@@ -96,7 +108,7 @@ int main(int argc, char *argv[])
         {&tray, &sounds, &clock, &ticks, &registry, &dialogs, LinuxRegistry::defaultWinePrefix(),
          dataFolder, QCoreApplication::applicationFilePath(),
          parser.positionalArguments() == QStringList{QStringLiteral("update")},
-         unattended ? QStringList{QStringLiteral("--unattended")} : QStringList{}},
+         unattended ? QStringList{QStringLiteral("--unattended")} : QStringList{}, &processes},
         servers);
     // Queued, so that the shut-down's deferred window deletions run before the loop ends.
     QObject::connect(&client, &ClientApplication::shutDownFinished, &app, &QCoreApplication::quit,

@@ -3,6 +3,7 @@
 #include "client/app/clientapplication.h"
 #include "client/platform/registrylinux.h"
 #include "support/clientfakes.h"
+#include "support/gamefakes.h"
 
 #include <QTemporaryDir>
 
@@ -20,7 +21,7 @@ struct AppHarness
 {
     explicit AppHarness(client::ServerAddresses servers = {}, AppProgram program = {})
         : app({&tray, &player, &clock, &ticks, &registry, &dialogs, home.filePath("wine"),
-               dataFolder(), program.file, program.update, program.options},
+               dataFolder(), program.file, program.update, program.options, &games},
               std::move(servers))
     {
     }
@@ -34,5 +35,6 @@ struct AppHarness
     FakeDialogs dialogs;
     client::LinuxRegistry registry{
         {home.filePath("autostart"), home.filePath("system.reg"), home.filePath("registry.ini")}};
+    GameStarter games;
     client::ClientApplication app;
 };

@@ -1,6 +1,8 @@
 #include "support/serverprocess.h"
 
+#include <QFile>
 #include <QNetworkDatagram>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUdpSocket>
 
@@ -72,14 +74,42 @@ private Q_SLOTS:
         QVERIFY(ask(game.port(), {"\\status\\"}).endsWith("\\queryid\\2.1"));
     }
 
+    // After each round the game in its folder writes RSResults<round>.log: a header of seven
+    // 'Key' 'Value' lines, then twelve lines per player with each value at its column, up to
+    // a closing character; CR LF line ends.
+    void writesResultsLogAfterRound()
+    {
+        QTemporaryDir folder;
+        const QString game = folder.filePath("roguespear.exe");
+        QVERIFY(QFile::copy(kFakeGame, game));
+        ServerProcess process;
+        QVERIFY(
+            process.start(game, {"-server", "0", "-bind", "127.0.0.1", "-round", "1", "-gametype",
+                                 "Survival", "-player", "Bob:1:40", "-player", "Al:2:55"}));
+        QFile log(folder.filePath("RSResults1.log"));
+        QVERIFY(QTest::qWaitFor([&] { return log.exists(); }, 5000));
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = log.readAll().split('\n');
+        QCOMPARE(lines.size(), 7 + 2 * 12 + 1);
+        QVERIFY(lines.first().endsWith('\r') && lines.last().isEmpty());
+        // {line, column, value}: the game type, then the fields of both records.
+        const QList<std::tuple<int, int, QByteArray>> fields{
+            {5, 14, "Survival"}, {9, 15, "1"},   {11, 17, "2"}, {12, 16, "Bob"}, {13, 20, "1"},
+            {21, 15, "2"},       {24, 16, "Al"}, {25, 20, "0"}, {29, 24, "Bob"}};
+        for (const auto &[line, column, value] : fields)
+            QCOMPARE(lines.at(line - 1).chopped(2).mid(column - 1), value);
+    }
+
     void refusesBadCommandLines()
     {
         for (const QStringList &arguments :
              {QStringList{"-hostname", "x"}, QStringList{"-server", "abc"},
-              QStringList{"-server", "0", "-player", "Bob:1"}}) {
+              QStringList{"-server", "0", "-player", "Bob:1"}, QStringList{"-client", "1.2.3.4"},
+              QStringList{"-server", "0", "-round", "0"}}) {
             const ServerProcess::Result result = ServerProcess::run(kFakeGame, arguments);
             QCOMPARE(result.exitCode, 2);
-            QVERIFY2(result.err.startsWith("fakegame: "), qPrintable(arguments.join(u' ')));
+            // (Qt may warn first about the session it runs in.)
+            QVERIFY2(result.err.contains("fakegame: "), qPrintable(arguments.join(u' ')));
         }
     }
 };

@@ -4,9 +4,14 @@
 #include "client/app/form1.h"
 #include "client/app/sessionlooks.h"
 #include "client/app/traycontroller.h"
+#include "client/game/findgameserver.h"
 #include "client/game/frmgameinfo.h"
 #include "client/game/gameinfo.h"
+#include "client/game/gamelauncher.h"
 #include "client/game/gameserverquery.h"
+#include "client/game/gamewindows.h"
+#include "client/game/ingamedetection.h"
+#include "client/game/launchsites.h"
 #include "client/lobby/frmlogin.h"
 #include "client/lobby/keepalive.h"
 #include "client/lobby/lobbyconnection.h"
@@ -20,8 +25,12 @@
 #include "client/options/options.h"
 #include "client/options/optionsstore.h"
 #include "client/platform/datafolder.h"
+#include "client/platform/detachedprocessstarter.h"
 #include "client/platform/dialogs.h"
+#include "client/platform/inotifyfolderwatcher.h"
+#include "client/platform/proctcptable.h"
 #include "client/platform/trayservice.h"
+#include "client/platform/x11gamewindowfinder.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
@@ -69,6 +78,7 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     buildLobby();
     buildWindows();
     buildTray();
+    buildGame();
     buildLogin();
     buildSelfUpdate();
 
@@ -177,9 +187,14 @@ void ClientApplication::buildLogin()
         m_players->addGroupRows();
     });
     connect(m_login, &LoginController::loginWindowDone, m_windows, &AppWindows::unloadLogIn);
-    // The game detection joins the keep-alive on the same timer once it exists.
+    // Detection runs first on each tick, the keep-alive after it.
     auto *timer1 = new OnlineTimer(*m_session, OnlineTimer::kInterval, this);
+    m_detection = new InGameDetection(*timer1, *m_session, *m_connection, *m_gameScan,
+                                      *m_gameWindows, *m_services.folderWatcher, *m_options, this);
     new KeepAlive(*timer1, *m_session, *m_connection, this);
+    // The lobby steps aside while a game runs.
+    connect(m_detection, &InGameDetection::gameStarted, m_form.get(), &QWidget::hide);
+    connect(m_detection, &InGameDetection::gameEnded, m_form.get(), &QWidget::show);
     connect(m_form->picLogIn, &QAbstractButton::clicked, m_login,
             &LoginController::picLogInClicked);
     connect(m_login, &LoginController::loginDialogRequested, this,
@@ -201,6 +216,33 @@ void ClientApplication::buildSelfUpdate()
         m_tray->removeIcon();
         Q_EMIT shutDownFinished();
     });
+}
+
+void ClientApplication::buildGame()
+{
+    if (!m_services.processes) {
+        m_ownProcesses = std::make_unique<DetachedProcessStarter>(
+            QString::fromLatin1(DetachedProcessStarter::kDefaultWine), m_services.winePrefix);
+        m_services.processes = m_ownProcesses.get();
+    }
+    if (!m_services.gameWindowFinder) {
+        m_ownWindowFinder = std::make_unique<X11GameWindowFinder>();
+        m_services.gameWindowFinder = m_ownWindowFinder.get();
+    }
+    if (!m_services.tcpTable) {
+        m_ownTcpTable = std::make_unique<ProcTcpTable>();
+        m_services.tcpTable = m_ownTcpTable.get();
+    }
+    if (!m_services.folderWatcher)
+        m_services.folderWatcher = new InotifyFolderWatcher(this);
+    m_gameWindows = std::make_unique<GameWindows>(*m_services.gameWindowFinder);
+    m_gameScan =
+        std::make_unique<GameServerScan>(*m_gameWindows, *m_services.tcpTable, *m_services.dialogs);
+    m_launcher = new GameLauncher(*m_options, *m_services.processes, *m_services.dialogs, this);
+    m_launchSites =
+        new LaunchSites(*m_launcher, *m_gameWindows, *m_session, *m_connection, *m_rooms, this);
+    connect(m_form->ListView1, &QAbstractItemView::doubleClicked, m_launchSites,
+            [this](const QModelIndex &index) { m_launchSites->joinListedGame(index.row()); });
 }
 
 void ClientApplication::startGameQuery()

@@ -16,7 +16,14 @@ class BasRegistry;
 class Clock;
 class Dialogs;
 class EventSounds;
+class FolderWatcher;
 class Form1;
+class GameLauncher;
+class GameServerScan;
+class GameWindowFinder;
+class GameWindows;
+class InGameDetection;
+class LaunchSites;
 class GameInfo;
 class GameServerQuery;
 class LobbyChat;
@@ -27,6 +34,7 @@ class Options;
 class OptionsStore;
 class PlayerListHandlers;
 class PlayerListModel;
+class ProcessStarter;
 class Registry;
 class RoomListHandlers;
 class RoomListModel;
@@ -34,6 +42,7 @@ class SelfUpdate;
 class SessionLooks;
 class SessionState;
 class SoundPlayer;
+class TcpTable;
 class TickCount;
 class TrayController;
 class TrayService;
@@ -65,6 +74,12 @@ public:
         bool installUpdate = false;
         // Options the updater copy and the new version are started with.
         QStringList updaterOptions;
+        // The game's process start, window search, connection table and folder watch; the
+        // Linux ones when not given.
+        ProcessStarter *processes = nullptr;
+        GameWindowFinder *gameWindowFinder = nullptr;
+        TcpTable *tcpTable = nullptr;
+        FolderWatcher *folderWatcher = nullptr;
     };
 
     ClientApplication(Services services, ServerAddresses servers, QObject *parent = nullptr);
@@ -83,6 +98,10 @@ public:
     Options &options() { return *m_options; }
     RoomListModel &rooms() { return *m_rooms; }
     PlayerListModel &players() { return *m_players; }
+    GameLauncher &launcher() { return *m_launcher; }
+    LaunchSites &launchSites() { return *m_launchSites; }
+    InGameDetection &detection() { return *m_detection; }
+    FolderWatcher &folderWatcher() { return *m_services.folderWatcher; }
     // Exists from start-up step 5 on.
     GameServerQuery *gameQuery() { return m_gameQuery; }
     SelfUpdate &selfUpdate() { return *m_selfUpdate; }
@@ -98,6 +117,7 @@ private:
     void buildTray();
     void buildLogin();
     void buildSelfUpdate();
+    void buildGame();
     // user.txt in the data folder.
     QString credentialsPath() const;
     void startGameQuery();
@@ -129,6 +149,14 @@ private:
     GameServerQuery *m_gameQuery = nullptr;
     SelfUpdate *m_selfUpdate = nullptr;
     QTimer *m_tmrStatsReset = nullptr;
+    std::unique_ptr<ProcessStarter> m_ownProcesses;
+    std::unique_ptr<GameWindowFinder> m_ownWindowFinder;
+    std::unique_ptr<TcpTable> m_ownTcpTable;
+    std::unique_ptr<GameWindows> m_gameWindows;
+    std::unique_ptr<GameServerScan> m_gameScan;
+    GameLauncher *m_launcher = nullptr;
+    LaunchSites *m_launchSites = nullptr;
+    InGameDetection *m_detection = nullptr;
     bool m_optionsLoaded = false;
 };
 

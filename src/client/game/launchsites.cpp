@@ -1,0 +1,41 @@
+#include "client/game/launchsites.h"
+
+#include "client/game/gamelauncher.h"
+#include "client/game/gamewindows.h"
+#include "client/lobby/lobbyconnection.h"
+#include "client/rooms/roomlistmodel.h"
+#include "client/session/sessionstate.h"
+#include "protocol/rooms.h"
+
+namespace client {
+
+LaunchSites::LaunchSites(GameLauncher &launcher, const GameWindows &windows, SessionState &session,
+                         LobbyConnection &connection, const RoomListModel &rooms, QObject *parent)
+    : QObject(parent), m_launcher(launcher), m_windows(windows), m_session(session),
+      m_connection(connection), m_rooms(rooms)
+{
+}
+
+void LaunchSites::startGame()
+{
+    const QString inGame = protocol::roomStatusText(protocol::RoomStatus::InGame);
+    if (m_session.serverStatus == inGame || !m_launcher.launchGameServer())
+        return;
+    m_session.serverStatus = inGame;
+    m_connection.send(protocol::RoomStatusToServer{protocol::RoomStatus::InGame});
+}
+
+void LaunchSites::autoJoinGame(const QString &address)
+{
+    if (!m_windows.rogueSpear())
+        m_launcher.launchGameClient(address);
+}
+
+void LaunchSites::joinListedGame(int row)
+{
+    if (m_session.isOnline() && row >= 0 && row < m_rooms.rowCount() &&
+        m_rooms.icon(row) == RoomListModel::RunningGame)
+        m_launcher.launchGameClient(m_rooms.tag(row));
+}
+
+} // namespace client

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "client/platform/processstarter.h"
+
+namespace client {
+
+// Starts processes with QProcess::startDetached. A Windows program (an ".exe" that is not a
+// native executable) runs through the Wine command, in the Wine prefix the client reads the
+// games' registry from.
+class DetachedProcessStarter final : public ProcessStarter
+{
+public:
+    static constexpr const char *kDefaultWine = "wine";
+
+    // `wineCommand`: the program and its leading arguments, as a shell would split them.
+    explicit DetachedProcessStarter(QString wineCommand = QString::fromLatin1(kDefaultWine),
+                                    QString winePrefix = {});
+
+    QString startDetached(const QString &program, const QStringList &arguments,
+                          qint64 *pid = nullptr) override;
+
+    // Whether the file must run through Wine: its name ends in ".exe" (any case) and it is not
+    // a native executable (an ELF binary or a script).
+    static bool needsWine(const QString &program);
+
+private:
+    QString m_wineCommand;
+    QString m_winePrefix;
+};
+
+} // namespace client
