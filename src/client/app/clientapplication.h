@@ -30,6 +30,8 @@ class PlayerListModel;
 class Registry;
 class RoomListHandlers;
 class RoomListModel;
+class RoomSession;
+class RoomState;
 class SelfUpdate;
 class SessionLooks;
 class SessionState;
@@ -83,6 +85,8 @@ public:
     Options &options() { return *m_options; }
     RoomListModel &rooms() { return *m_rooms; }
     PlayerListModel &players() { return *m_players; }
+    RoomState &room() { return *m_roomState; }
+    RoomSession &roomSession() { return *m_roomSession; }
     // Exists from start-up step 5 on.
     GameServerQuery *gameQuery() { return m_gameQuery; }
     SelfUpdate &selfUpdate() { return *m_selfUpdate; }
@@ -98,6 +102,7 @@ private:
     void buildTray();
     void buildLogin();
     void buildSelfUpdate();
+    void buildRooms();
     // user.txt in the data folder.
     QString credentialsPath() const;
     void startGameQuery();
@@ -126,6 +131,8 @@ private:
     LobbyChat *m_chat = nullptr;
     PlayerListHandlers *m_playerHandlers = nullptr;
     RoomListHandlers *m_roomHandlers = nullptr;
+    RoomState *m_roomState = nullptr;
+    RoomSession *m_roomSession = nullptr;
     GameServerQuery *m_gameQuery = nullptr;
     SelfUpdate *m_selfUpdate = nullptr;
     QTimer *m_tmrStatsReset = nullptr;
