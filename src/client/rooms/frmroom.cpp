@@ -63,15 +63,15 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
     Picture2->setPicture(Icons::button(QStringLiteral("send")));
     Picture2->setToolTip(tr("Send"));
 
-    chkLock = addControl<QCheckBox>("chkLock", {10, 340, 185, 22});
+    chkLock = addControl<QCheckBox>("chkLock", {10, 373, 250, 22});
     chkLock->setText(QStringLiteral("Lock the server whit a password"));
-    txtPassword = addControl<QLineEdit>("txtPassword", {10, 370, 180, 26});
+    txtPassword = addControl<QLineEdit>("txtPassword", {10, 336, 180, 26});
     txtPassword->setMaxLength(20);
     txtPassword->setToolTip(QStringLiteral("Lock password"));
     txtPassword->setText(kPlaceholderPassword);
 
-    picStartGame = addButton("picStartGame", tr("Start game"), {200, 370, 120, 28});
-    picJoinGame = addButton("picJoinGame", tr("Join game"), {200, 370, 120, 28});
+    picStartGame = addButton("picStartGame", tr("Start game"), {335, 370, 120, 28});
+    picJoinGame = addButton("picJoinGame", tr("Join game"), {335, 370, 120, 28});
     picLeaveRoom = addButton("picLeaveRoom", tr("Leave room"), {465, 370, 120, 28});
 
     connect(Picture5, &QAbstractButton::clicked, this, &QWidget::hide);
