@@ -193,7 +193,7 @@ private Q_SLOTS:
         QVERIFY(bob.members().isEmpty() && !bob.window());
     }
 
-    void losingTheConnectionKeepsTheRoomWindow()
+    void losingTheConnectionKeepsTheRoomWindowAndTheTrayBringsItBack()
     {
         ServerProcess server;
         QTemporaryDir home;
@@ -205,6 +205,11 @@ private Q_SLOTS:
         QTRY_VERIFY(!ann.app.session().isOnline());
         QVERIFY(ann.window() && ann.window()->isVisible());
         QCOMPARE(ann.app.room().hostName, "ann");
+        // Hidden, it comes back with the main window from the tray.
+        ann.window()->Picture5->click();
+        QVERIFY(!ann.window()->isVisible());
+        ann.tray.activate();
+        QVERIFY(ann.window()->isVisible());
     }
 };
 
