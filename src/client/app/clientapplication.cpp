@@ -236,6 +236,7 @@ void ClientApplication::buildRooms()
         FrmMakeRoom *window = m_windows->frmMakeRoom();
         window->show();
         window->raise();
+        window->activateWindow();
     });
     // Creating and joining are possible only while the create-room button is shown: logged
     // in and in no room.

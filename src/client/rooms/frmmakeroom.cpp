@@ -18,6 +18,7 @@ FrmMakeRoom::FrmMakeRoom(QWidget *parent)
     addLabel("Label2", QStringLiteral("Room name"), {14, 42, 200, 18});
     Text1 = addControl<QLineEdit>("Text1", {14, 62, 232, 26});
     Text1->setMaxLength(kMaxNameLength);
+    Text1->setFocus(); // typing goes to the name as soon as the dialog shows
     Picture3 = addControl<QPushButton>("Picture3", {146, 100, 100, 28});
     Picture3->setText(QStringLiteral("Make room"));
     Picture3->setEnabled(false);
