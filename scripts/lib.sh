@@ -22,3 +22,45 @@ start_lobby() {
     cat "$run_dir/server.log" >&2
     return 1
 }
+
+# bot NAME ACTION...: a scripted player on the lobby at $port. It logs in, then sends each
+# action half a second after the one before ("|" separates fields; "sleep N" waits N seconds),
+# then stays. Its pid joins the caller's pids array.
+bot() {
+    python3 - "$port" "$@" <<'PY' &
+import socket, sys, time
+port, name, *actions = sys.argv[1:]
+SEP, END = b"\x0e", b"\x0f"
+s = socket.create_connection(("127.0.0.1", int(port)))
+def wait_for(code):
+    data = b""
+    while code not in data:
+        data += s.recv(65536)
+s.sendall(b"VEV 6.0" + END)
+wait_for(b"SL")
+s.sendall(b"LG" + name.encode("cp1252") + SEP + b"pw" + END)
+wait_for(b"LT")
+for action in actions:
+    time.sleep(0.5)
+    if action.startswith("sleep "):
+        time.sleep(float(action[6:]))
+        continue
+    s.sendall(action.encode("cp1252").replace(b"|", SEP) + END)
+time.sleep(3600)
+PY
+    pids+=($!)
+}
+
+# start_logged_in_client RUN_DIR NAME: the client, logged in automatically as NAME to the lobby
+# at $port, with its own data and config folders and a game folder under RUN_DIR/NAME, its
+# output in RUN_DIR/NAME/client.log. Its pid joins the caller's pids array.
+start_logged_in_client() {
+    local client_home="$1/$2"
+    mkdir -p "$client_home/data/Quorvel" "$client_home/config" "$client_home/RogueSpear"
+    printf '%s\r\nsecret\r\n' "$2" >"$client_home/data/Quorvel/user.txt"
+    printf '0\r\n1\r\n0\r\n0\r\n0\r\n%s\r\n\r\n' "$client_home/RogueSpear" \
+        >"$client_home/data/Quorvel/settingRS.txt"
+    XDG_DATA_HOME="$client_home/data" XDG_CONFIG_HOME="$client_home/config" \
+        build/src/client/quorvel --lobby "127.0.0.1:$port" >"$client_home/client.log" 2>&1 &
+    pids+=($!)
+}

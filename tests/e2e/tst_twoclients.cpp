@@ -2,13 +2,9 @@
 // the lobby, chat, and one hides to the tray.
 // ctest: timeout=120
 #include "client/app/form1.h"
-#include "client/lobby/credentialsfile.h"
 #include "client/presence/chatinput.h"
 #include "client/presence/lobbychat.h"
-#include "client/presence/playerlistmodel.h"
-#include "support/appharness.h"
-#include "support/files.h"
-#include "support/serverprocess.h"
+#include "support/lobbyclient.h"
 
 #include <QLineEdit>
 #include <QTest>
@@ -16,32 +12,7 @@
 
 using namespace client;
 
-namespace {
-
-// One client logging in automatically as `name`, with a game folder so that it starts quietly.
-struct Client : AppHarness
-{
-    Client(const QString &name, quint16 port)
-        : AppHarness({.lobby = {QStringLiteral("127.0.0.1"), port}, .web = {}})
-    {
-        const QString game = home.filePath("RogueSpear");
-        QDir().mkpath(game);
-        writeFile(dataFolder() + "/settingRS.txt",
-                  "0\r\n1\r\n0\r\n0\r\n0\r\n" + game.toUtf8() + "\r\n\r\n");
-        CredentialsFile::write(dataFolder() + "/user.txt", {name, "pw-" + name});
-    }
-
-    // The status code of a player's entry: "7" in the lobby, "1" away (neither is the other's
-    // buddy); "" while he is not listed.
-    QString statusOf(const QString &name)
-    {
-        PlayerListModel &players = app.players();
-        const int row = players.findEntry(name);
-        return row < 0 ? QString() : players.text(row, PlayerListModel::PlayerStatus);
-    }
-};
-
-} // namespace
+using Client = LobbyClient;
 
 class TestTwoClients : public QObject
 {
@@ -52,13 +23,7 @@ private:
     QTemporaryDir m_serverHome;
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(m_server.start(kLobbyServer,
-                               {"--listen", "127.0.0.1", "--port", "0", "--http-port", "0",
-                                "--registration", "open", "--hash-cost", "minimal", "--db",
-                                m_serverHome.filePath(QStringLiteral("lobby.sqlite"))}));
-    }
+    void initTestCase() { QVERIFY(startLobbyServer(m_server, m_serverHome)); }
 
     void twoClientsMeetChatAndGoAway()
     {

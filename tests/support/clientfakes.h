@@ -44,14 +44,16 @@ public:
 };
 
 // Answers every dialog at once in the user's place: message boxes from `answers` (Ok when
-// empty), file dialogs from `files` (cancelled when empty). Remembers each question in
-// `asked`: a message box by its text, " [Yes/No]" added when it asks so; a file dialog as
-// "file: FILTER".
+// empty), file dialogs from `files` (cancelled when empty), input boxes from `inputs`
+// (cancelled when empty). Remembers each question in `asked`: a message box by its text,
+// " [Yes/No]" added when it asks so; a file dialog as "file: FILTER"; an input box as
+// "input: TITLE".
 class FakeDialogs final : public client::Dialogs
 {
 public:
     QList<Answer> answers;
     QStringList files;
+    QStringList inputs;
     QStringList asked;
 
     Answer messageBox(const QString &, const QString &text, Buttons buttons, Icon) override
@@ -64,9 +66,10 @@ public:
         asked << "file: " + filter;
         return files.isEmpty() ? QString() : files.takeFirst();
     }
-    QString inputBox(const QString &, const QString &, const QString &, bool) override
+    QString inputBox(const QString &, const QString &title, const QString &, bool) override
     {
-        return {};
+        asked << "input: " + title;
+        return inputs.isEmpty() ? QString() : inputs.takeFirst();
     }
 };
 

@@ -3,6 +3,8 @@
 #include "client/game/frmgameinfo.h"
 #include "client/lobby/frmlogin.h"
 #include "client/options/frmoptions.h"
+#include "client/rooms/frmmakeroom.h"
+#include "client/rooms/frmroom.h"
 #include "client/ui/borderlesswindow.h"
 
 namespace client {
@@ -27,7 +29,7 @@ FrmOptions *AppWindows::frmOptions()
     return m_options.get();
 }
 
-BorderlessWindow *AppWindows::frmRoom()
+FrmRoom *AppWindows::frmRoom()
 {
     return m_room.get();
 }
@@ -42,7 +44,7 @@ BorderlessWindow *AppWindows::frmPager()
     return m_pager.get();
 }
 
-BorderlessWindow *AppWindows::frmMakeRoom()
+FrmMakeRoom *AppWindows::frmMakeRoom()
 {
     return m_makeRoom.get();
 }
@@ -64,6 +66,16 @@ template <typename Window> void AppWindows::unload(WindowSlot<Window> &slot)
 void AppWindows::unloadLogIn()
 {
     unload(m_logIn);
+}
+
+void AppWindows::unloadRoom()
+{
+    unload(m_room);
+}
+
+void AppWindows::unloadMakeRoom()
+{
+    unload(m_makeRoom);
 }
 
 void AppWindows::unloadAll()

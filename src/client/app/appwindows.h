@@ -9,7 +9,9 @@ namespace client {
 class BorderlessWindow;
 class FrmGameInfo;
 class FrmLogIn;
+class FrmMakeRoom;
 class FrmOptions;
+class FrmRoom;
 
 // The program's windows besides the main window. Each exists at most once and is created the
 // first time it is touched, through its accessor; unloading destroys it, so the next touch
@@ -23,10 +25,10 @@ public:
     {
         std::function<FrmLogIn *()> logIn;
         std::function<FrmOptions *()> options;
-        std::function<BorderlessWindow *()> room;
+        std::function<FrmRoom *()> room;
         std::function<BorderlessWindow *()> menu;
         std::function<BorderlessWindow *()> pager;
-        std::function<BorderlessWindow *()> makeRoom;
+        std::function<FrmMakeRoom *()> makeRoom;
         std::function<FrmGameInfo *()> gameInfo;
     };
 
@@ -35,15 +37,17 @@ public:
 
     FrmLogIn *frmLogIn();
     FrmOptions *frmOptions();
-    BorderlessWindow *frmRoom();
+    FrmRoom *frmRoom();
     BorderlessWindow *frmMenu();
     BorderlessWindow *frmPager();
-    BorderlessWindow *frmMakeRoom();
+    FrmMakeRoom *frmMakeRoom();
     FrmGameInfo *frmGameInfo();
 
     bool isLoginLoaded() const { return m_logIn.isLoaded(); }
     bool isRoomLoaded() const { return m_room.isLoaded(); }
     void unloadLogIn();
+    void unloadRoom();
+    void unloadMakeRoom();
 
     // Unloads every window, in the shut-down order: pager, options, room, menu, login,
     // create-room, game info.
@@ -58,10 +62,10 @@ private:
 
     WindowSlot<FrmLogIn> m_logIn;
     WindowSlot<FrmOptions> m_options;
-    WindowSlot<BorderlessWindow> m_room;
+    WindowSlot<FrmRoom> m_room;
     WindowSlot<BorderlessWindow> m_menu;
     WindowSlot<BorderlessWindow> m_pager;
-    WindowSlot<BorderlessWindow> m_makeRoom;
+    WindowSlot<FrmMakeRoom> m_makeRoom;
     WindowSlot<FrmGameInfo> m_gameInfo;
 };
 

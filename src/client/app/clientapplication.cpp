@@ -12,6 +12,7 @@
 #include "client/game/gamewindows.h"
 #include "client/game/ingamedetection.h"
 #include "client/game/launchsites.h"
+#include "client/lobby/credentialsfile.h"
 #include "client/lobby/frmlogin.h"
 #include "client/lobby/keepalive.h"
 #include "client/lobby/lobbyconnection.h"
@@ -35,9 +36,13 @@
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/playerlistview.h"
+#include "client/rooms/frmmakeroom.h"
+#include "client/rooms/frmroom.h"
 #include "client/rooms/roomlisthandlers.h"
 #include "client/rooms/roomlistmodel.h"
 #include "client/rooms/roomlistview.h"
+#include "client/rooms/roomsession.h"
+#include "client/rooms/roomstate.h"
 #include "client/session/clock.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
@@ -81,6 +86,7 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     buildGame();
     buildLogin();
     buildSelfUpdate();
+    buildRooms();
 
     // Polls the statistics-reset hot key while the reset option is on.
     m_tmrStatsReset = new QTimer(this);
@@ -135,11 +141,8 @@ void ClientApplication::buildWindows()
         loadOptions();
         return new FrmOptions(*m_options, *m_optionsStore, *m_services.dialogs);
     };
+    factories.room = [this] { return new FrmRoom(*m_roomState, *m_roomSession); };
     // Placeholders until these windows get their contents.
-    factories.room = [] {
-        return new BorderlessWindow(
-            {.objectName = "frmRoom", .title = QStringLiteral("Room"), .size = {520, 400}});
-    };
     factories.menu = [] {
         return new BorderlessWindow(
             {.objectName = "frmMenu", .title = QStringLiteral("Player"), .size = {160, 120}});
@@ -148,10 +151,13 @@ void ClientApplication::buildWindows()
         return new BorderlessWindow(
             {.objectName = "frmPager", .title = QStringLiteral("Messages"), .size = {420, 360}});
     };
-    factories.makeRoom = [] {
-        return new BorderlessWindow({.objectName = "frmMakeRoom",
-                                     .title = QStringLiteral("Create room"),
-                                     .size = {300, 160}});
+    factories.makeRoom = [this] {
+        auto *window = new FrmMakeRoom;
+        connect(window, &FrmMakeRoom::makeRoomRequested, this, [this](const QString &name) {
+            m_roomSession->createRoom(name);
+            m_windows->unloadMakeRoom();
+        });
+        return window;
     };
     factories.gameInfo = [this] { return new FrmGameInfo(*m_gameInfo); };
     m_windows = new AppWindows(std::move(factories), this);
@@ -241,8 +247,60 @@ void ClientApplication::buildGame()
     m_launcher = new GameLauncher(*m_options, *m_services.processes, *m_services.dialogs, this);
     m_launchSites =
         new LaunchSites(*m_launcher, *m_gameWindows, *m_session, *m_connection, *m_rooms, this);
-    connect(m_form->ListView1, &QAbstractItemView::doubleClicked, m_launchSites,
-            [this](const QModelIndex &index) { m_launchSites->joinListedGame(index.row()); });
+}
+
+void ClientApplication::buildRooms()
+{
+    m_roomState = new RoomState(this);
+    m_roomSession = new RoomSession(
+        *m_roomState, *m_rooms, *m_dispatcher, *m_connection, *m_session, *m_services.dialogs,
+        [this] { return CredentialsFile::read(credentialsPath()).name; }, this);
+    connect(m_roomHandlers, &RoomListHandlers::roomClosing, m_roomSession,
+            &RoomSession::roomClosing);
+    connect(m_roomSession, &RoomSession::createRoomButtonShown, m_form->picCreateRoom,
+            &QWidget::setVisible);
+    connect(m_roomSession, &RoomSession::roomWindowShowRequested, this, [this] {
+        FrmRoom *window = m_windows->frmRoom();
+        window->show();
+        window->raise();
+    });
+    connect(m_roomSession, &RoomSession::roomWindowUnloadRequested, m_windows,
+            &AppWindows::unloadRoom);
+    connect(m_tray, &TrayController::restored, this, [this] {
+        if (m_roomState->hideShowRoom)
+            m_windows->frmRoom()->show();
+    });
+    connect(m_form->picCreateRoom, &QAbstractButton::clicked, this, [this] {
+        if (m_session->inGame)
+            return;
+        FrmMakeRoom *window = m_windows->frmMakeRoom();
+        window->show();
+        window->raise();
+        window->activateWindow();
+    });
+    // The room's Start and Join, a listed running game and the join that follows the host's
+    // start all go to the game launcher; the room window hides and shows with the game.
+    connect(m_roomSession, &RoomSession::gameServerStartRequested, m_launcher,
+            &GameLauncher::launchGameServer);
+    connect(m_roomSession, &RoomSession::gameClientStartRequested, m_launcher,
+            &GameLauncher::launchGameClient);
+    connect(m_roomSession, &RoomSession::gameClientAutoStartRequested, m_launchSites,
+            &LaunchSites::autoJoinGame);
+    connect(m_detection, &InGameDetection::gameStarted, this, [this] {
+        if (m_roomState->hideShowRoom && m_windows->isRoomLoaded())
+            m_windows->frmRoom()->hide();
+    });
+    connect(m_detection, &InGameDetection::gameEnded, this, [this] {
+        if (m_roomState->hideShowRoom)
+            m_windows->frmRoom()->show();
+    });
+    // Creating and joining are possible only while the create-room button is shown: logged
+    // in and in no room.
+    connect(m_form->ListView1, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex &index) {
+                if (!m_form->picCreateRoom->isHidden())
+                    m_roomSession->joinRow(index.row());
+            });
 }
 
 void ClientApplication::startGameQuery()

@@ -38,6 +38,8 @@ class ProcessStarter;
 class Registry;
 class RoomListHandlers;
 class RoomListModel;
+class RoomSession;
+class RoomState;
 class SelfUpdate;
 class SessionLooks;
 class SessionState;
@@ -102,6 +104,8 @@ public:
     LaunchSites &launchSites() { return *m_launchSites; }
     InGameDetection &detection() { return *m_detection; }
     FolderWatcher &folderWatcher() { return *m_services.folderWatcher; }
+    RoomState &room() { return *m_roomState; }
+    RoomSession &roomSession() { return *m_roomSession; }
     // Exists from start-up step 5 on.
     GameServerQuery *gameQuery() { return m_gameQuery; }
     SelfUpdate &selfUpdate() { return *m_selfUpdate; }
@@ -118,6 +122,7 @@ private:
     void buildLogin();
     void buildSelfUpdate();
     void buildGame();
+    void buildRooms();
     // user.txt in the data folder.
     QString credentialsPath() const;
     void startGameQuery();
@@ -146,6 +151,8 @@ private:
     LobbyChat *m_chat = nullptr;
     PlayerListHandlers *m_playerHandlers = nullptr;
     RoomListHandlers *m_roomHandlers = nullptr;
+    RoomState *m_roomState = nullptr;
+    RoomSession *m_roomSession = nullptr;
     GameServerQuery *m_gameQuery = nullptr;
     SelfUpdate *m_selfUpdate = nullptr;
     QTimer *m_tmrStatsReset = nullptr;

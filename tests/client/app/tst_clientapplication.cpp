@@ -1,6 +1,7 @@
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
 #include "client/lobby/frmlogin.h"
+#include "client/rooms/frmroom.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"

@@ -1,0 +1,118 @@
+// Which of Start and Join the room window shows and when the game follows the host's, for the
+// cases the end-to-end test does not meet; no server.
+#include "client/lobby/lobbyconnection.h"
+#include "client/lobby/lobbydispatcher.h"
+#include "client/rooms/frmroom.h"
+#include "client/rooms/roomlistmodel.h"
+#include "client/rooms/roomsession.h"
+#include "client/rooms/roomstate.h"
+#include "client/session/sessionstate.h"
+#include "protocol/message.h"
+#include "support/clientfakes.h"
+
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace client;
+using protocol::Code;
+
+namespace {
+
+// A room session for the user "me", not connected: what it would send is dropped.
+struct Rig
+{
+    RoomState room;
+    RoomListModel rooms;
+    LobbyDispatcher dispatcher;
+    LobbyConnection connection{dispatcher};
+    SessionState session;
+    FakeDialogs dialogs;
+    RoomSession rooms_{
+        room, rooms, dispatcher, connection, session, dialogs, [] { return QStringLiteral("me"); }};
+
+    // Joins the listed room of "host" at 10.0.0.5.
+    void join()
+    {
+        rooms.appendRow({"host", "war", "", "In chat", "       1", ""}, "10.0.0.5",
+                        RoomListModel::OpenRoom);
+        rooms_.joinRow(0);
+    }
+    // "ÖR|me|2", "ÖS|host|In game": a message from the server, its fields after its name.
+    void receive(const QString &message)
+    {
+        QStringList fields = message.split('|');
+        const Code code = fields.takeFirst() == "ÖR" ? Code::MemberReady : Code::RoomStatus;
+        dispatcher.receive(protocol::buildMessage(code, fields));
+    }
+};
+
+} // namespace
+
+class TestRoomWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startAndJoinFollowReadyAndStatus_data()
+    {
+        QTest::addColumn<bool>("host");
+        QTest::addColumn<QStringList>("messages");
+        QTest::addColumn<bool>("start");
+        QTest::addColumn<bool>("join");
+        QTest::addColumn<int>("gamesJoined");
+        QTest::addColumn<int>("readyStatus");
+
+        QTest::newRow("host ready, then not")
+            << true << QStringList{"ÖR|me|2", "ÖR|me|1"} << false << false << 0 << 1;
+        QTest::newRow("ready after the start: the button only")
+            << false << QStringList{"ÖS|host|In game", "ÖR|me|2"} << false << true << 0 << 2;
+        QTest::newRow("game over")
+            << false << QStringList{"ÖR|me|2", "ÖS|host|In game", "ÖS|host|In chat"} << false
+            << false << 1 << 2;
+        QTest::newRow("another room starts")
+            << false << QStringList{"ÖR|me|2", "ÖS|other|In game"} << false << false << 0 << 2;
+        QTest::newRow("another member's state")
+            << false << QStringList{"ÖR|host|2"} << false << false << 0 << 1;
+        QTest::newRow("state not a number")
+            << false << QStringList{"ÖR|me|x"} << false << false << 0 << 1;
+    }
+    void startAndJoinFollowReadyAndStatus()
+    {
+        QFETCH(bool, host);
+        QFETCH(QStringList, messages);
+        Rig rig;
+        QSignalSpy joined(&rig.rooms_, &RoomSession::gameClientAutoStartRequested);
+        if (host)
+            rig.rooms_.createRoom("war");
+        else
+            rig.join();
+        FrmRoom window(rig.room, rig.rooms_);
+        for (const QString &message : messages)
+            rig.receive(message);
+
+        QTEST(!window.picStartGame->isHidden(), "start");
+        QTEST(!window.picJoinGame->isHidden(), "join");
+        QTEST(int(joined.count()), "gamesJoined");
+        QTEST(rig.room.playerReadyStatus, "readyStatus");
+        if (!joined.isEmpty())
+            QCOMPARE(joined.at(0).at(0).toString(), "10.0.0.5");
+    }
+
+    // The host's room status follows his game as the game detection sees it.
+    void roomStatusFollowsTheHostsGame()
+    {
+        Rig rig;
+        rig.rooms_.followHostGame(true);
+        QCOMPARE(rig.session.serverStatus, ""); // hosting no room
+        rig.rooms_.createRoom("war");
+        for (const bool inGame : {true, true, false})
+            rig.rooms_.followHostGame(inGame);
+        QCOMPARE(rig.session.serverStatus, "In chat");
+        rig.rooms_.followHostGame(true);
+        QCOMPARE(rig.session.serverStatus, "In game");
+    }
+};
+
+QTEST_MAIN(TestRoomWindow)
+#include "tst_roomwindow.moc"
