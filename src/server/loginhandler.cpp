@@ -23,7 +23,7 @@ LoginHandler::LoginHandler(const LobbyConfig &config, Lobby &lobby, const RoomRe
                            LoginThrottle &throttle, std::function<void(Session &)> endSession)
     : m_config(config), m_lobby(lobby), m_rooms(rooms), m_accounts(accounts), m_buddies(buddies),
       m_passwords(passwords), m_throttle(throttle), m_endSession(std::move(endSession)),
-      m_queue(passwords.threads(), config.maxQueuedLoginsPerAddress, config.maxQueuedLogins)
+      m_queue(passwords.threads(), config.maxConnectionsPerAddress, config.maxQueuedLogins)
 {
     // Made now, so that the first unknown name is not refused more slowly than the rest.
     m_passwords.dummyHash();
