@@ -255,7 +255,7 @@ private Q_SLOTS:
         lobby.addAccount("Anna");
         QList<qint64> unknown;
         QList<qint64> wrong;
-        for (int i = 0; i < 14; ++i) {
+        for (int i = 0; i < 32; ++i) {
             TestClient *client = lobby.connected(loopback(10 + i)); // no slow-down
             QVERIFY(client->greet());
             QElapsedTimer timer;
@@ -264,6 +264,7 @@ private Q_SLOTS:
             QVERIFY(client->take(Code::LoginFailed, 10000));
             (i % 2 ? wrong : unknown).append(timer.elapsed());
         }
+        // Medians of many, taken in turn: the machine may be busy with other work.
         const qint64 a = median(unknown);
         const qint64 b = median(wrong);
         QVERIFY2(qAbs(a - b) <= qMax(a, b) / 5,
