@@ -11,11 +11,13 @@
 //   server_peak_mb   the server's peak resident memory (password hashing included)
 //   generator_busy_ms  this program's own time handling deliveries during the chat, to show
 //                    that the latencies are the server's
+// Two further rows, BM_LobbyLoadHostile and BM_RestartStorm, are described at their code.
 // Options before the benchmark's own: --clients=N (default 2000), --rate=R (20),
 // --chat-seconds=S (10), --server=PATH.
 #include "protocol/chat.h"
 #include "protocol/framebuffer.h"
 #include "protocol/login.h"
+#include "protocol/presence.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -252,66 +254,134 @@ double percentile(std::vector<double> &values, double p)
     return values[i];
 }
 
+// Starts the server on `db`; its lobby port, 0 when it did not start. All clients connect from
+// one loopback address, hence the raised cap on connections per address.
+quint16 startServer(QProcess &server, const QString &db)
+{
+    server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    server.start(g_settings.server, {"--port", "0", "--http-port", "0", "--listen", "127.0.0.1",
+                                     "--db", db, "--registration", "open", "--log-level", "warning",
+                                     "--max-connections-per-address", "100000"});
+    QByteArray out;
+    static const QRegularExpression listening(QStringLiteral("lobby listening on .*:(\\d+)\\n"));
+    QElapsedTimer waited;
+    waited.start();
+    while (server.state() != QProcess::NotRunning && waited.elapsed() < 10000) {
+        server.waitForReadyRead(50);
+        out += server.readAllStandardOutput();
+        const auto match = listening.match(QString::fromUtf8(out));
+        if (match.hasMatch())
+            return match.captured(1).toUShort();
+    }
+    return 0;
+}
+
+int stillLoggedIn(const std::vector<std::unique_ptr<LoadClient>> &clients, int from = 0)
+{
+    int connected = 0;
+    for (std::size_t i = std::size_t(from); i < clients.size(); ++i)
+        connected += clients[i]->loggedIn() && !clients[i]->failed() ? 1 : 0;
+    return connected;
+}
+
+// Logs in clients [0, count), at most `inFlight` logins at a time (0: all at once); the
+// number that failed (refused, dropped, or not done within `timeoutMs`).
+int logIn(std::vector<std::unique_ptr<LoadClient>> &clients, int count, quint16 port, int epoll,
+          int inFlightLimit, int timeoutMs)
+{
+    int started = 0;
+    int failed = 0;
+    const auto settled = [&] {
+        int inFlight = 0;
+        int done = 0;
+        failed = 0;
+        for (int i = 0; i < started; ++i) {
+            if (clients[std::size_t(i)]->failed())
+                ++failed;
+            else if (clients[std::size_t(i)]->loggedIn())
+                ++done;
+            else
+                ++inFlight;
+        }
+        while ((inFlightLimit == 0 || inFlight < inFlightLimit) && started < count) {
+            if (!clients[std::size_t(started++)]->start(port, epoll))
+                ++failed;
+            ++inFlight;
+        }
+        return done + failed == count;
+    };
+    if (!pollUntil(epoll, settled, timeoutMs))
+        return count - stillLoggedIn(clients);
+    return failed;
+}
+
+std::vector<std::unique_ptr<LoadClient>> makeClients(int n, ChatRecord &chat)
+{
+    std::vector<std::unique_ptr<LoadClient>> clients;
+    for (int i = 0; i < n; ++i)
+        clients.push_back(std::make_unique<LoadClient>(QStringLiteral("load%1").arg(i), chat));
+    return clients;
+}
+
+// Chat lines at a fixed rate from changing senders (each once per 100 lines) among the
+// clients from `firstSender` on, each line timed at every client; `extra` runs between
+// lines (the hostile clients' floods).
+template <typename Extra>
+void runChat(std::vector<std::unique_ptr<LoadClient>> &clients, int firstSender, int epoll,
+             ChatRecord &chat, benchmark::State &state, Extra extra)
+{
+    const int n = int(clients.size());
+    const int lines = g_settings.rate * g_settings.chatSeconds;
+    chat.sentNs.assign(std::size_t(lines), 0);
+    chat.latenciesMs.reserve(std::size_t(lines) * std::size_t(n));
+    int sent = 0;
+    const qint64 intervalNs = 1'000'000'000LL / g_settings.rate;
+    const qint64 chatStartNs = g_clock.nsecsElapsed();
+    const int senders = n - firstSender;
+    const auto pace = [&] {
+        extra();
+        if (sent >= lines || g_clock.nsecsElapsed() < chatStartNs + sent * intervalNs)
+            return;
+        chat.sentNs[std::size_t(sent)] = g_clock.nsecsElapsed();
+        clients[std::size_t(firstSender + (sent * 97) % senders)]->send(
+            protocol::ChatLineToServer{QStringLiteral("c%1").arg(sent)}.encode());
+        ++sent;
+    };
+    const std::size_t expected = std::size_t(lines) * std::size_t(n);
+    g_busyNs = 0;
+    pollUntil(
+        epoll, [&] { return sent >= lines && chat.latenciesMs.size() >= expected; }, pace,
+        g_settings.chatSeconds * 1000 + 5000);
+    state.counters["chat_lines"] = lines;
+    state.counters["chat_lost"] = double(expected - chat.latenciesMs.size());
+    state.counters["chat_p50_ms"] = percentile(chat.latenciesMs, 0.50);
+    state.counters["chat_p99_ms"] = percentile(chat.latenciesMs, 0.99);
+    state.counters["chat_max_ms"] = percentile(chat.latenciesMs, 1.0);
+    state.counters["generator_busy_ms"] = double(g_busyNs) / 1e6;
+}
+
 void BM_LobbyLoad(benchmark::State &state)
 {
     const int n = g_settings.clients;
     for (auto _ : state) {
         QTemporaryDir dir;
         QProcess server;
-        server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        server.start(g_settings.server, {"--port", "0", "--listen", "127.0.0.1", "--db",
-                                         dir.filePath("load.sqlite"), "--registration", "open"});
-        QByteArray out;
-        static const QRegularExpression listening(QStringLiteral(":(\\d+)\\n"));
-        quint16 port = 0;
-        QElapsedTimer waited;
-        waited.start();
-        while (port == 0 && server.state() != QProcess::NotRunning && waited.elapsed() < 10000) {
-            server.waitForReadyRead(50);
-            out += server.readAllStandardOutput();
-            const auto match = listening.match(QString::fromUtf8(out));
-            port = match.hasMatch() ? match.captured(1).toUShort() : 0;
-        }
+        const quint16 port = startServer(server, dir.filePath("load.sqlite"));
         if (port == 0) {
             state.SkipWithError("the server did not start");
             return;
         }
-
         const int epoll = ::epoll_create1(EPOLL_CLOEXEC);
         ChatRecord chat;
-        std::vector<std::unique_ptr<LoadClient>> clients;
-        for (int i = 0; i < n; ++i)
-            clients.push_back(std::make_unique<LoadClient>(QStringLiteral("load%1").arg(i), chat));
+        std::vector<std::unique_ptr<LoadClient>> clients = makeClients(n, chat);
 
         // Everyone but the last, a bounded number at a time.
         QElapsedTimer phase;
         phase.start();
-        int started = 0;
-        const auto settled = [&] {
-            int inFlight = 0;
-            int done = 0;
-            for (int i = 0; i < started; ++i) {
-                if (clients[i]->failed())
-                    return true;
-                if (clients[i]->loggedIn())
-                    ++done;
-                else
-                    ++inFlight;
-            }
-            while (inFlight < 32 && started < n - 1) {
-                if (!clients[std::size_t(started++)]->start(port, epoll))
-                    return true;
-                ++inFlight;
-            }
-            return done == n - 1;
-        };
-        if (!pollUntil(epoll, settled, 600000) || clients[0]->failed()) {
-            state.SkipWithError("logging in the first clients timed out");
-            return;
-        }
+        state.counters["login_failed"] = logIn(clients, n - 1, port, epoll, 32, 600000);
         const double loginAllS = double(phase.elapsed()) / 1000.0;
 
-        LoadClient &last = *clients[n - 1];
+        LoadClient &last = *clients[std::size_t(n - 1)];
         last.holdLogin(true);
         last.start(port, epoll);
         pollUntil(
@@ -324,45 +394,121 @@ void BM_LobbyLoad(benchmark::State &state)
             epoll, [&] { return last.announcements() >= n || last.failed(); }, 30000);
         const double lastLoginMs = double(last.lastAnnouncementNs() - last.loginSentNs()) / 1e6;
 
-        // Chat: lines at a fixed rate from changing senders, each sender once per 100 lines.
-        const int lines = g_settings.rate * g_settings.chatSeconds;
-        chat.sentNs.assign(std::size_t(lines), 0);
-        chat.latenciesMs.reserve(std::size_t(lines) * std::size_t(n));
-        int sent = 0;
-        const qint64 intervalNs = 1'000'000'000LL / g_settings.rate;
-        const qint64 chatStartNs = g_clock.nsecsElapsed();
-        const auto pace = [&] {
-            if (sent >= lines || g_clock.nsecsElapsed() < chatStartNs + sent * intervalNs)
-                return;
-            chat.sentNs[std::size_t(sent)] = g_clock.nsecsElapsed();
-            clients[std::size_t((sent * 97) % n)]->send(
-                protocol::ChatLineToServer{QStringLiteral("c%1").arg(sent)}.encode());
-            ++sent;
-        };
-        const std::size_t expected = std::size_t(lines) * std::size_t(n);
-        g_busyNs = 0;
-        pollUntil(
-            epoll, [&] { return sent >= lines && chat.latenciesMs.size() >= expected; }, pace,
-            g_settings.chatSeconds * 1000 + 5000);
+        runChat(clients, 0, epoll, chat, state, [] {});
 
-        int connected = 0;
-        for (const auto &c : clients)
-            connected += c->loggedIn() && !c->failed() ? 1 : 0;
-        const double rssMb = residentMb(server.processId(), "VmRSS:");
-        const double hwmMb = residentMb(server.processId(), "VmHWM:");
-
-        state.counters["clients"] = connected;
+        state.counters["clients"] = stillLoggedIn(clients);
         state.counters["login_all_s"] = loginAllS;
         state.counters["last_login_ms"] = lastLoginMs;
         state.counters["last_login_an"] = last.announcements();
-        state.counters["chat_lines"] = lines;
-        state.counters["chat_lost"] = double(expected - chat.latenciesMs.size());
-        state.counters["chat_p50_ms"] = percentile(chat.latenciesMs, 0.50);
-        state.counters["chat_p99_ms"] = percentile(chat.latenciesMs, 0.99);
-        state.counters["chat_max_ms"] = percentile(chat.latenciesMs, 1.0);
-        state.counters["server_rss_mb"] = rssMb;
-        state.counters["server_peak_mb"] = hwmMb;
-        state.counters["generator_busy_ms"] = double(g_busyNs) / 1e6;
+        state.counters["server_rss_mb"] = residentMb(server.processId(), "VmRSS:");
+        state.counters["server_peak_mb"] = residentMb(server.processId(), "VmHWM:");
+
+        clients.clear();
+        ::close(epoll);
+        server.kill();
+        server.waitForFinished(5000);
+    }
+}
+
+// The same chat while two logged-in clients misbehave: one floods "PS" with 64 KiB addresses,
+// the other alternates "BA" and "BR", each 50 times a second. Counters as above, and
+//   honest_dropped   honest clients no longer logged in at the end (target: 0)
+void BM_LobbyLoadHostile(benchmark::State &state)
+{
+    const int n = g_settings.clients;
+    for (auto _ : state) {
+        QTemporaryDir dir;
+        QProcess server;
+        const quint16 port = startServer(server, dir.filePath("load.sqlite"));
+        if (port == 0) {
+            state.SkipWithError("the server did not start");
+            return;
+        }
+        const int epoll = ::epoll_create1(EPOLL_CLOEXEC);
+        ChatRecord chat;
+        std::vector<std::unique_ptr<LoadClient>> clients = makeClients(n, chat);
+        state.counters["login_failed"] = logIn(clients, n, port, epoll, 32, 600000);
+        const QByteArray bigStatus =
+            protocol::PlayerStatusToServer{.presence = protocol::Presence::Playing,
+                                           .gameAddress = QString(64 * 1024 - 32, QLatin1Char('9'))}
+                .encode();
+        const QByteArray buddyAdd = protocol::BuddyAdd{.id = 3}.encode();
+        const QByteArray buddyRemove = protocol::BuddyRemove{.id = 3}.encode();
+        qint64 nextFloodNs = g_clock.nsecsElapsed();
+        int floods = 0;
+        const auto flood = [&] {
+            if (g_clock.nsecsElapsed() < nextFloodNs)
+                return;
+            nextFloodNs += 20'000'000;
+            clients[0]->send(bigStatus);
+            clients[1]->send(++floods % 2 ? buddyAdd : buddyRemove);
+        };
+        // The hostile two receive the lines as well; only the honest ones send them.
+        runChat(clients, 2, epoll, chat, state, flood);
+        state.counters["clients"] = stillLoggedIn(clients);
+        state.counters["honest_dropped"] = double(n - 2 - stillLoggedIn(clients, 2));
+        state.counters["floods_sent"] = floods;
+
+        clients.clear();
+        ::close(epoll);
+        server.kill();
+        server.waitForFinished(5000);
+    }
+}
+
+// A restart storm: N accounts exist, the server restarts, and every client logs in again at
+// once (standard password cost). Counters:
+//   storm_all_s      from the first "LG" until all are logged in (target: under 60 s)
+//   storm_failed     clients refused or dropped instead (target: 0)
+void BM_RestartStorm(benchmark::State &state)
+{
+    const int n = g_settings.clients;
+    for (auto _ : state) {
+        QTemporaryDir dir;
+        const QString db = dir.filePath("load.sqlite");
+        {
+            QProcess server;
+            const quint16 port = startServer(server, db);
+            const int epoll = ::epoll_create1(EPOLL_CLOEXEC);
+            ChatRecord chat;
+            std::vector<std::unique_ptr<LoadClient>> clients = makeClients(n, chat);
+            const int failed = port == 0 ? n : logIn(clients, n, port, epoll, 32, 600000);
+            state.counters["registration_failed"] = failed;
+            const bool registered = failed < n;
+            clients.clear();
+            ::close(epoll);
+            server.kill();
+            server.waitForFinished(5000);
+            if (!registered) {
+                state.SkipWithError("registering the accounts failed");
+                return;
+            }
+        }
+        QProcess server;
+        const quint16 port = startServer(server, db);
+        if (port == 0) {
+            state.SkipWithError("the server did not restart");
+            return;
+        }
+        const int epoll = ::epoll_create1(EPOLL_CLOEXEC);
+        ChatRecord chat;
+        std::vector<std::unique_ptr<LoadClient>> clients = makeClients(n, chat);
+        QElapsedTimer storm;
+        storm.start();
+        for (auto &client : clients)
+            client->start(port, epoll);
+        pollUntil(
+            epoll,
+            [&] {
+                int settled = 0;
+                for (const auto &c : clients)
+                    settled += c->loggedIn() || c->failed() ? 1 : 0;
+                return settled == n;
+            },
+            120000);
+        state.counters["storm_all_s"] = double(storm.elapsed()) / 1000.0;
+        state.counters["storm_failed"] = double(n - stillLoggedIn(clients));
+        state.counters["server_peak_mb"] = residentMb(server.processId(), "VmHWM:");
 
         clients.clear();
         ::close(epoll);
@@ -372,6 +518,8 @@ void BM_LobbyLoad(benchmark::State &state)
 }
 
 BENCHMARK(BM_LobbyLoad)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_LobbyLoadHostile)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_RestartStorm)->Iterations(1)->Unit(benchmark::kSecond);
 
 // Takes this program's own options out of argv before the benchmark library sees them.
 void takeSettings(int &argc, char **argv)

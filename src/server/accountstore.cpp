@@ -1,8 +1,12 @@
 #include "server/accountstore.h"
 
 #include "server/database.h"
+#include "server/playernames.h"
+
+#include "server/serverlog.h"
 
 #include <QDateTime>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -64,8 +68,11 @@ std::optional<Account> AccountStore::create(const QString &name, const QByteArra
     query.addBindValue(QString::fromLatin1(passwordHash));
     query.addBindValue(notNull(email));
     query.addBindValue(QDateTime::currentDateTimeUtc().toString(Qt::ISODate));
-    if (!query.exec())
+    if (!query.exec()) {
+        qCWarning(lcStore).noquote()
+            << "account" << name << "not created:" << query.lastError().text();
         return std::nullopt;
+    }
     Account account;
     account.id = query.lastInsertId().toInt();
     account.name = name;

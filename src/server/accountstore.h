@@ -19,8 +19,8 @@ struct Account
     int chatColour = 0; // 0x00BBGGRR
 };
 
-// Accounts of the lobby. Names are unique without regard to case; lookups by name ignore
-// case too. Every write is its own committed transaction.
+// Accounts of the lobby. Names are unique by their folded key (playernames.h); lookups by
+// name fold too. Every write is its own committed transaction.
 class AccountStore
 {
 public:
@@ -34,8 +34,6 @@ public:
     bool setPasswordHash(const QString &name, const QByteArray &passwordHash);
     bool setModerator(const QString &name, bool moderator, std::optional<int> chatColour);
     QList<Account> all() const;
-
-    static QString nameKey(const QString &name) { return name.toCaseFolded(); }
 
 private:
     Database &m_database;

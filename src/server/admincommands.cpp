@@ -2,6 +2,7 @@
 
 #include "server/accountstore.h"
 #include "server/passwordhash.h"
+#include "server/playernames.h"
 #include "server/serveroptions.h"
 
 namespace server {
@@ -11,8 +12,12 @@ int runAdminCommand(const AdminCommand &command, AccountStore &accounts, QTextSt
 {
     switch (command.kind) {
     case AdminCommand::Kind::Add: {
-        if (command.name.trimmed().isEmpty() || command.password.isEmpty()) {
-            err << "a name and a password are needed\n";
+        if (const QString problem = nameProblem(command.name); !problem.isEmpty()) {
+            err << problem << '\n';
+            return 2;
+        }
+        if (command.password.isEmpty()) {
+            err << "a password is needed\n";
             return 2;
         }
         if (accounts.findByName(command.name)) {

@@ -43,8 +43,9 @@ QByteArray roomAnnouncement(const Room &room)
 
 QString relayText(QString text, qsizetype maxBytes)
 {
-    text.remove(QChar(protocol::kSeparator));
-    text.remove(QChar(protocol::kTerminator));
+    text.removeIf([](QChar c) {
+        return c.category() == QChar::Other_Control || c.category() == QChar::Other_Format;
+    });
     text.truncate(maxBytes);
     return text;
 }

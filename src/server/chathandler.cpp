@@ -1,8 +1,8 @@
 #include "server/chathandler.h"
 
 #include "protocol/chat.h"
+#include "server/accountlimits.h"
 #include "server/announcements.h"
-#include "server/clock.h"
 #include "server/diagnosticstore.h"
 #include "server/lobby.h"
 #include "server/messagerouter.h"
@@ -15,8 +15,12 @@ namespace server {
 
 using namespace protocol;
 
-ChatHandler::ChatHandler(Lobby &lobby, DiagnosticStore &diagnostics, const Clock &clock)
-    : m_lobby(lobby), m_diagnostics(diagnostics), m_clock(clock)
+namespace {
+const QString kChat = QStringLiteral("chat");
+} // namespace
+
+ChatHandler::ChatHandler(Lobby &lobby, DiagnosticStore &diagnostics, AccountLimits &limits)
+    : m_lobby(lobby), m_diagnostics(diagnostics), m_limits(limits)
 {
 }
 
@@ -24,7 +28,7 @@ void ChatHandler::registerWith(MessageRouter &router)
 {
     router.on<ChatLineToServer>([this](Session &sender, const ChatLineToServer &line) {
         Player &player = sender.player();
-        if (!player.chatLimit.tryAcquire(m_clock.nowMs()))
+        if (!m_limits.tryAcquire(player.accountId, kChat, AccountLimits::kChat))
             return;
         m_lobby.broadcast(ChatLineToClient{.name = player.name,
                                            .colour = quint32(player.chatColour),
@@ -35,9 +39,9 @@ void ChatHandler::registerWith(MessageRouter &router)
     router.on<PrivateMessageToServer>([this](Session &sender,
                                              const PrivateMessageToServer &message) {
         Player &player = sender.player();
-        if (!player.chatLimit.tryAcquire(m_clock.nowMs()))
+        if (!m_limits.tryAcquire(player.accountId, kChat, AccountLimits::kChat))
             return;
-        const QString text = relayText(message.text, message.text.size());
+        const QString text = relayText(message.text, kMaxPrivateBytes);
         if (message.recipient == kServiceAccountName) {
             m_diagnostics.add(player.accountId, text, QDateTime::currentDateTimeUtc());
             return;

@@ -2,25 +2,23 @@
 
 namespace server {
 
-class Clock;
+class AccountLimits;
 class DiagnosticStore;
 class Lobby;
 class MessageRouter;
 
-// Lobby chat ("MD") and private messages ("PM"), which share one rate limit per player.
+// Lobby chat ("MD") and private messages ("PM"), which share one rate limit per account.
 // Private messages to the service account are stored as client diagnostics.
 class ChatHandler
 {
 public:
-    static constexpr int kMaxChatBytes = 512;
-
-    ChatHandler(Lobby &lobby, DiagnosticStore &diagnostics, const Clock &clock);
+    ChatHandler(Lobby &lobby, DiagnosticStore &diagnostics, AccountLimits &limits);
     void registerWith(MessageRouter &router);
 
 private:
     Lobby &m_lobby;
     DiagnosticStore &m_diagnostics;
-    const Clock &m_clock;
+    AccountLimits &m_limits;
 };
 
 } // namespace server

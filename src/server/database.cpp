@@ -2,6 +2,7 @@
 
 #include <QAtomicInteger>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -12,6 +13,8 @@ namespace {
 QAtomicInteger<int> s_connectionCounter;
 
 // Version 1: accounts with a case-folded unique key, buddy lists, diagnostics.
+const char *const kTables[] = {"accounts", "buddies", "diagnostics"};
+
 const char *const kSchemaV1[] = {
     "CREATE TABLE accounts ("
     " id INTEGER PRIMARY KEY AUTOINCREMENT,"
@@ -61,11 +64,27 @@ bool Database::exec(const QString &statement)
     return true;
 }
 
-bool Database::open(const QString &path)
+bool Database::open(const QString &path, int busyTimeoutMs)
 {
     const QFileInfo info(path);
     if (!QDir().mkpath(info.absolutePath())) {
         m_error = QStringLiteral("cannot create the folder %1").arg(info.absolutePath());
+        return false;
+    }
+    if (!info.exists()) {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) ||
+            !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)) {
+            m_error = QStringLiteral("cannot create %1: %2").arg(path, file.errorString());
+            return false;
+        }
+    } else if (!info.isWritable()) {
+        m_error = QStringLiteral("%1 is not writable").arg(path);
+        return false;
+    }
+    // The log and index files beside it are created and removed as the server runs.
+    if (!QFileInfo(info.absolutePath()).isWritable()) {
+        m_error = QStringLiteral("the folder %1 is not writable").arg(info.absolutePath());
         return false;
     }
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
@@ -75,7 +94,7 @@ bool Database::open(const QString &path)
         return false;
     }
     // A busy timeout lets the admin commands write while a server runs on the same file.
-    if (!exec(QStringLiteral("PRAGMA busy_timeout = 5000")))
+    if (!exec(QStringLiteral("PRAGMA busy_timeout = %1").arg(busyTimeoutMs)))
         return false;
     QSqlQuery mode(handle());
     if (!mode.exec(QStringLiteral("PRAGMA journal_mode = WAL")) || !mode.next() ||
@@ -85,10 +104,39 @@ bool Database::open(const QString &path)
         return false;
     }
     mode.finish();
-    if (!exec(QStringLiteral("PRAGMA synchronous = FULL")) ||
+    if (!exec(QStringLiteral("PRAGMA synchronous = NORMAL")) ||
         !exec(QStringLiteral("PRAGMA foreign_keys = ON")))
         return false;
-    return migrate();
+    return migrate() && check(path);
+}
+
+bool Database::check(const QString &path)
+{
+    QSqlQuery query(handle());
+    if (!query.exec(QStringLiteral("PRAGMA quick_check")) || !query.next() ||
+        query.value(0).toString() != QLatin1String("ok")) {
+        const QString detail =
+            query.lastError().isValid() ? query.lastError().text() : query.value(0).toString();
+        m_error = QStringLiteral("%1 is damaged (%2)").arg(path, detail);
+        return false;
+    }
+    query.finish();
+    for (const char *table : kTables) {
+        query.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'table' AND "
+                                     "name = ?"));
+        query.addBindValue(QString::fromLatin1(table));
+        if (!query.exec() || !query.next()) {
+            m_error = QStringLiteral("%1 lacks the table %2").arg(path, QString::fromLatin1(table));
+            return false;
+        }
+        query.finish();
+    }
+    // A write that changes nothing proves the file takes writes (a read-only mount does not).
+    if (!exec(QStringLiteral("BEGIN IMMEDIATE")) || !exec(QStringLiteral("ROLLBACK"))) {
+        m_error = QStringLiteral("%1 does not take writes (%2)").arg(path, m_error);
+        return false;
+    }
+    return true;
 }
 
 bool Database::migrate()

@@ -5,9 +5,15 @@
 
 namespace server {
 
-// The lobby's SQLite file: opened in WAL mode with full syncs, so that every committed change
-// survives the process being killed, and its schema created or upgraded on open. Each
-// instance has its own QtSql connection, so several servers can run in one test process.
+// The lobby's SQLite file, opened in WAL mode with synchronous=NORMAL: a commit is written to
+// the log before it returns, so it survives the process being killed at any moment; only a
+// crash of the whole machine can lose the commits since the last checkpoint. Full syncs would
+// put a disk flush on the event loop for every write.
+//
+// Opening checks the file before anyone relies on it: it must be writable, pass SQLite's
+// quick check and hold the expected tables; otherwise open() fails with a clear message. A new
+// file is created readable by its owner only (it holds password hashes). Each instance has
+// its own QtSql connection, so several servers can run in one test process.
 class Database
 {
 public:
@@ -18,7 +24,8 @@ public:
 
     // Creates the file and its folder when missing. False with errorString() on failure,
     // including a file written by a newer server.
-    bool open(const QString &path);
+    // `busyTimeoutMs`: how long a statement waits for another process's lock before failing.
+    bool open(const QString &path, int busyTimeoutMs = 5000);
     QString errorString() const { return m_error; }
 
     QSqlDatabase handle() const { return QSqlDatabase::database(m_connectionName, false); }
@@ -28,6 +35,7 @@ public:
 private:
     bool exec(const QString &statement);
     bool migrate();
+    bool check(const QString &path);
 
     QString m_connectionName;
     QString m_error;

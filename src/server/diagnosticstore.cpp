@@ -1,6 +1,9 @@
 #include "server/diagnosticstore.h"
 
 #include "server/database.h"
+#include "server/serverlog.h"
+
+#include <QSqlError>
 
 #include <QSqlQuery>
 #include <QVariant>
@@ -17,7 +20,20 @@ bool DiagnosticStore::add(int senderId, const QString &text, const QDateTime &re
     query.addBindValue(senderId);
     query.addBindValue(received.toUTC().toString(Qt::ISODateWithMs));
     query.addBindValue(text.isNull() ? QStringLiteral("") : text); // null binds as NULL
-    return query.exec();
+    QSqlQuery prune(m_database.handle());
+    prune.prepare(QStringLiteral("DELETE FROM diagnostics WHERE sender_id = ? AND id NOT IN "
+                                 "(SELECT id FROM diagnostics WHERE sender_id = ? "
+                                 "ORDER BY id DESC LIMIT ?)"));
+    prune.addBindValue(senderId);
+    prune.addBindValue(senderId);
+    prune.addBindValue(kKeptPerSender);
+    if (!query.exec() || !prune.exec()) {
+        qCWarning(lcStore).noquote()
+            << "diagnostic of" << senderId << "not stored:"
+            << (query.lastError().isValid() ? query.lastError() : prune.lastError()).text();
+        return false;
+    }
+    return true;
 }
 
 QList<Diagnostic> DiagnosticStore::all() const

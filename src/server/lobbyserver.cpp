@@ -3,7 +3,10 @@
 #include "protocol/login.h"
 #include "protocol/presence.h"
 #include "server/connection.h"
+#include "server/serverlog.h"
 #include "server/session.h"
+
+#include "server/buddystore.h"
 
 #include <QTcpSocket>
 
@@ -12,11 +15,11 @@ namespace server {
 LobbyServer::LobbyServer(const LobbyConfig &config, AccountStore &accounts, BuddyStore &buddies,
                          DiagnosticStore &diagnostics, PasswordWorker &passwords,
                          const Clock &clock, QObject *parent)
-    : QObject(parent), m_config(config), m_throttle(clock),
+    : QObject(parent), m_config(config), m_buddies(buddies), m_throttle(clock), m_limits(clock),
       m_login(m_config, m_lobby, m_rooms, accounts, buddies, passwords, m_throttle,
               [this](Session &session) { endSession(session); }),
-      m_presence(m_lobby, accounts, buddies), m_chat(m_lobby, diagnostics, clock),
-      m_roomHandler(m_lobby, m_rooms)
+      m_presence(m_lobby, accounts, buddies, m_limits), m_chat(m_lobby, diagnostics, m_limits),
+      m_roomHandler(m_lobby, m_rooms, m_limits)
 {
     m_presence.registerWith(m_router);
     m_chat.registerWith(m_router);
@@ -44,7 +47,22 @@ void LobbyServer::acceptConnections()
 {
     while (QTcpSocket *socket = m_server.nextPendingConnection()) {
         auto *connection = new Connection(socket);
+        const QString address = connection->peerAddress();
+        if (!mayConnect(address)) {
+            connection->setParent(this);
+            connect(connection, &Connection::closed, connection, &QObject::deleteLater);
+            connection->closeAfterFlush();
+            continue;
+        }
+        ++m_connections;
+        ++m_connectionsPerAddress[address];
         auto *session = new Session(connection, this);
+        qCDebug(lcLobby).noquote() << sessionTag(*session) << "connected";
+        connect(session, &QObject::destroyed, this, [this, address] {
+            --m_connections;
+            if (--m_connectionsPerAddress[address] <= 0)
+                m_connectionsPerAddress.remove(address);
+        });
         connect(connection, &Connection::messageReceived, session,
                 [this, session](const protocol::Message &message) { dispatch(*session, message); });
         connect(connection, &Connection::closed, session, [this, session] {
@@ -57,6 +75,22 @@ void LobbyServer::acceptConnections()
         });
         session->startLoginDeadline(m_config.loginTimeoutMs);
     }
+}
+
+bool LobbyServer::mayConnect(const QString &address)
+{
+    if (m_connections >= m_config.maxConnections) {
+        qCWarning(lcLobby).noquote()
+            << "addr=" + address << "refused: the lobby holds" << m_connections << "connections";
+        return false;
+    }
+    if (m_connectionsPerAddress.value(address) >= m_config.maxConnectionsPerAddress) {
+        qCWarning(lcLobby).noquote()
+            << "addr=" + address << "refused:" << m_config.maxConnectionsPerAddress
+            << "connections from this address";
+        return false;
+    }
+    return true;
 }
 
 void LobbyServer::dispatch(Session &session, const protocol::Message &message)
@@ -73,6 +107,11 @@ void LobbyServer::dispatch(Session &session, const protocol::Message &message)
         }
         return;
     case Session::Stage::LoggedIn:
+        // Buddy changes are written in batches, but before anything that could answer a
+        // later message: whoever sees that answer can rely on the change being stored.
+        if (message.code != protocol::BuddyAdd::kCode &&
+            message.code != protocol::BuddyRemove::kCode)
+            m_buddies.flush();
         m_router.route(session, message);
         return;
     case Session::Stage::Ended:
@@ -87,6 +126,7 @@ void LobbyServer::endSession(Session &session)
     const bool wasLoggedIn = session.isLoggedIn();
     session.setStage(Session::Stage::Ended);
     session.stopLoginDeadline();
+    qCDebug(lcLobby).noquote() << sessionTag(session) << "ended";
     if (wasLoggedIn) {
         m_lobby.remove(&session);
         m_roomHandler.leaveOnDeparture(session);

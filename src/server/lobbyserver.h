@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/accountlimits.h"
 #include "server/chathandler.h"
 #include "server/lobby.h"
 #include "server/lobbyconfig.h"
@@ -46,18 +47,26 @@ public:
     const Lobby &lobby() const { return m_lobby; }
     const RoomRegistry &rooms() const { return m_rooms; }
     MessageRouter &router() { return m_router; }
+    // Rate limits per account, for handlers added through router() too.
+    AccountLimits &limits() { return m_limits; }
 
 private:
     void acceptConnections();
+    // False (and logged) when the caps on connections per address or overall are reached.
+    bool mayConnect(const QString &address);
     void dispatch(Session &session, const protocol::Message &message);
     // Ends a session once: the player leaves his room and the lobby hears "RN".
     void endSession(Session &session);
 
     LobbyConfig m_config;
+    BuddyStore &m_buddies;
     QTcpServer m_server;
     Lobby m_lobby;
     RoomRegistry m_rooms;
     LoginThrottle m_throttle;
+    AccountLimits m_limits;
+    QHash<QString, int> m_connectionsPerAddress;
+    int m_connections = 0;
     MessageRouter m_router;
     LoginHandler m_login;
     PresenceHandler m_presence;

@@ -8,8 +8,9 @@
 #include "server/lobbyconfig.h"
 #include "server/loginthrottle.h"
 #include "server/passwordhash.h"
+#include "server/playernames.h"
 #include "server/roomregistry.h"
-#include "server/serviceaccount.h"
+#include "server/serverlog.h"
 #include "server/session.h"
 
 #include <QPointer>
@@ -21,21 +22,11 @@ LoginHandler::LoginHandler(const LobbyConfig &config, Lobby &lobby, const RoomRe
                            AccountStore &accounts, BuddyStore &buddies, PasswordWorker &passwords,
                            LoginThrottle &throttle, std::function<void(Session &)> endSession)
     : m_config(config), m_lobby(lobby), m_rooms(rooms), m_accounts(accounts), m_buddies(buddies),
-      m_passwords(passwords), m_throttle(throttle), m_endSession(std::move(endSession))
+      m_passwords(passwords), m_throttle(throttle), m_endSession(std::move(endSession)),
+      m_queue(passwords.threads(), config.maxConnectionsPerAddress, config.maxQueuedLogins)
 {
-}
-
-bool LoginHandler::isRegistrableName(const QString &name)
-{
-    if (name.isEmpty() || name.size() > kMaxNameLength || name.trimmed() != name)
-        return false;
-    if (AccountStore::nameKey(name) == AccountStore::nameKey(kServiceAccountName))
-        return false;
-    for (const QChar c : name) {
-        if (c.category() == QChar::Other_Control)
-            return false;
-    }
-    return true;
+    // Made now, so that the first unknown name is not refused more slowly than the rest.
+    m_passwords.dummyHash();
 }
 
 void LoginHandler::handleVersion(Session &session, const protocol::Version &version)
@@ -58,64 +49,103 @@ void LoginHandler::handleLogin(Session &session, const protocol::Login &login)
     session.setLoginPending(true);
     const QString name = login.name;
     const QString password = login.password;
-    const qint64 delay = m_throttle.delayFor(session.connection().peerAddress());
+    const qint64 delay = m_throttle.reserveTurn(session.connection().peerAddress());
     if (delay <= 0) {
-        checkLogin(session, name, password);
+        enqueue(session, name, password);
         return;
     }
+    qCInfo(lcLogin).noquote() << sessionTag(session) << "login slowed down by" << delay << "ms";
     QPointer<Session> guard(&session);
     QTimer::singleShot(delay, &session, [this, guard, name, password] {
         if (guard && guard->stage() == Session::Stage::Versioned)
-            checkLogin(*guard, name, password);
+            enqueue(*guard, name, password);
     });
 }
 
-void LoginHandler::checkLogin(Session &session, const QString &name, const QString &password)
+void LoginHandler::enqueue(Session &session, const QString &name, const QString &password)
 {
+    const QString address = session.connection().peerAddress();
     QPointer<Session> guard(&session);
-    if (const std::optional<Account> account = m_accounts.findByName(name)) {
-        const int id = account->id;
-        m_passwords.verify(account->passwordHash, password, &session,
-                           [this, guard, id](bool accepted) {
-                               if (!guard || guard->stage() != Session::Stage::Versioned)
-                                   return;
-                               // Read again: the account may have changed while hashing.
-                               const std::optional<Account> current = m_accounts.findById(id);
-                               if (accepted && current)
-                                   admit(*guard, *current);
-                               else
-                                   refuse(*guard);
-                           });
-        return;
-    }
-    if (!m_config.openRegistration || !isRegistrableName(name) || password.isEmpty()) {
+    const bool queued = m_queue.add(
+        address, &session,
+        [this, guard, name, password](LoginQueue::Finished finished) {
+            check(*guard, name, password, std::move(finished));
+        },
+        [this, address] { m_throttle.recordFailure(address); });
+    if (!queued) {
+        qCWarning(lcLogin).noquote()
+            << sessionTag(session) << "login refused: too many password checks waiting";
         refuse(session);
         return;
     }
-    m_passwords.hash(password, &session, [this, guard, name](const QByteArray &hash) {
-        if (!guard || guard->stage() != Session::Stage::Versioned)
-            return;
-        // A second registration of the same name in the meantime loses here.
-        const std::optional<Account> created =
-            hash.isEmpty() ? std::nullopt : m_accounts.create(name, hash);
-        if (created)
-            admit(*guard, *created);
-        else
-            refuse(*guard);
-    });
+    // Waiting for the server's own work is not the client's delay.
+    if (guard)
+        guard->stopLoginDeadline();
+}
+
+void LoginHandler::check(Session &session, const QString &name, const QString &password,
+                         LoginQueue::Finished finished)
+{
+    QPointer<Session> guard(&session);
+    const QString address = session.connection().peerAddress();
+    if (session.stage() != Session::Stage::Versioned) { // gone while it waited
+        m_throttle.recordFailure(address);
+        finished();
+        return;
+    }
+    const std::optional<Account> account = m_accounts.findByName(name);
+    const bool registers =
+        !account && m_config.openRegistration && isAcceptableName(name) && !password.isEmpty();
+    if (registers) {
+        m_passwords.hash(password, &m_queue, [this, guard, name, finished](const QByteArray &hash) {
+            finished();
+            if (!guard || guard->stage() != Session::Stage::Versioned)
+                return;
+            // A second registration of the same name meanwhile loses here.
+            const std::optional<Account> created =
+                hash.isEmpty() ? std::nullopt : m_accounts.create(name, hash);
+            if (created) {
+                qCInfo(lcLogin).noquote() << sessionTag(*guard) << "registered" << name;
+                admit(*guard, *created);
+            } else {
+                refuse(*guard);
+            }
+        });
+        return;
+    }
+    const int id = account ? account->id : 0;
+    const QByteArray hash = account ? account->passwordHash : m_passwords.dummyHash();
+    m_passwords.verify(
+        hash, password, &m_queue, [this, guard, id, address, finished](bool accepted) {
+            finished();
+            if (!guard || guard->stage() != Session::Stage::Versioned) {
+                if (!accepted || id == 0)
+                    m_throttle.recordFailure(address);
+                return;
+            }
+            // Read again: the account may have changed while hashing.
+            const std::optional<Account> current = id == 0 ? std::nullopt : m_accounts.findById(id);
+            if (accepted && current)
+                admit(*guard, *current);
+            else
+                refuse(*guard);
+        });
 }
 
 void LoginHandler::refuse(Session &session)
 {
     session.setLoginPending(false);
     m_throttle.recordFailure(session.connection().peerAddress());
+    qCInfo(lcLogin).noquote() << sessionTag(session) << "login failed";
     session.send(protocol::LoginFailed{}.encode());
+    session.startLoginDeadline(m_config.loginTimeoutMs);
 }
 
 void LoginHandler::admit(Session &session, const Account &account)
 {
     session.setLoginPending(false);
     m_throttle.recordSuccess(session.connection().peerAddress());
+    qCInfo(lcLogin).noquote() << sessionTag(session) << "logged in as" << account.name;
     if (Session *older = m_lobby.findByAccount(account.id))
         m_endSession(*older);
 

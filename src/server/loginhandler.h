@@ -1,6 +1,7 @@
 #pragma once
 
 #include "protocol/login.h"
+#include "server/loginqueue.h"
 
 #include <functional>
 
@@ -20,6 +21,11 @@ class Session;
 // and the slow-down of repeated failures, and the welcome of an accepted player: "LT", the
 // players, the rooms, then his announcement to everyone else. A second login to the same
 // account ends the older session first, through `endSession`.
+//
+// Password checks wait in a bounded queue that serves addresses in turn; the login deadline
+// does not run while a check waits there. An unknown name is checked against a dummy hash so
+// that it is refused as slowly as a wrong password, and a check whose connection went away
+// still counts as a failure of its address.
 class LoginHandler
 {
 public:
@@ -30,13 +36,10 @@ public:
     void handleVersion(Session &session, const protocol::Version &version);
     void handleLogin(Session &session, const protocol::Login &login);
 
-    // Names that open registration accepts: 1 to kMaxNameLength characters, no control
-    // characters, no blanks at either end, not the service account's name.
-    static bool isRegistrableName(const QString &name);
-    static constexpr int kMaxNameLength = 32;
-
 private:
-    void checkLogin(Session &session, const QString &name, const QString &password);
+    void enqueue(Session &session, const QString &name, const QString &password);
+    void check(Session &session, const QString &name, const QString &password,
+               LoginQueue::Finished finished);
     void refuse(Session &session);
     void admit(Session &session, const Account &account);
 
@@ -48,6 +51,7 @@ private:
     PasswordWorker &m_passwords;
     LoginThrottle &m_throttle;
     std::function<void(Session &)> m_endSession;
+    LoginQueue m_queue;
 };
 
 } // namespace server

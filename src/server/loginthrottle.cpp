@@ -6,15 +6,26 @@ namespace server {
 
 LoginThrottle::LoginThrottle(const Clock &clock) : m_clock(clock) {}
 
-qint64 LoginThrottle::delayFor(const QString &address) const
+qint64 LoginThrottle::stepFor(int failures)
 {
-    const auto it = m_failures.constFind(address);
-    if (it == m_failures.cend() || m_clock.nowMs() - it->lastMs >= kForgetMs)
-        return 0;
-    const int excess = it->count - kFreeFailures;
+    const int excess = failures - kFreeFailures;
     if (excess < 0)
         return 0;
-    return excess >= 5 ? kMaxDelayMs : qMin(kMaxDelayMs, qint64(1000) << excess);
+    return excess >= 4 ? kMaxDelayMs : qMin(kMaxDelayMs, kFirstDelayMs << excess);
+}
+
+qint64 LoginThrottle::reserveTurn(const QString &address)
+{
+    const auto it = m_failures.find(address);
+    const qint64 now = m_clock.nowMs();
+    if (it == m_failures.end() || now - it->lastMs >= kForgetMs)
+        return 0;
+    const qint64 step = stepFor(it->count);
+    if (step == 0)
+        return 0;
+    const qint64 turn = qMax(now, it->nextTurnMs);
+    it->nextTurnMs = turn + step;
+    return turn - now;
 }
 
 void LoginThrottle::recordFailure(const QString &address)
@@ -22,9 +33,10 @@ void LoginThrottle::recordFailure(const QString &address)
     const qint64 now = m_clock.nowMs();
     Failures &entry = m_failures[address];
     if (now - entry.lastMs >= kForgetMs)
-        entry.count = 0;
+        entry = {};
     ++entry.count;
     entry.lastMs = now;
+    entry.nextTurnMs = qMax(entry.nextTurnMs, now + stepFor(entry.count));
     if (++m_sincePrune >= 1024)
         prune();
 }

@@ -8,6 +8,7 @@
 #include "server/lobbyserver.h"
 #include "server/passwordhash.h"
 #include "server/publisheddownload.h"
+#include "server/serverlog.h"
 #include "server/serveroptions.h"
 #include "server/webserver.h"
 
@@ -21,8 +22,11 @@ namespace {
 int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream &err)
 {
     server::raiseOpenFileLimit();
+    server::setUpServerLog(options.logLevel);
     server::Database database;
-    if (!database.open(options.databasePath)) {
+    // Another process holding the lock is waited for briefly; writes that still find it busy
+    // are retried later rather than blocking the lobby.
+    if (!database.open(options.databasePath, 100)) {
         err << "quorvel-server: cannot open the database " << options.databasePath << ": "
             << database.errorString() << '\n';
         return 1;

@@ -45,6 +45,17 @@ PasswordWorker::PasswordWorker(HashCost cost, int threads) : m_cost(cost)
     m_pool.setMaxThreadCount(qMax(1, threads));
 }
 
+QByteArray PasswordWorker::dummyHash()
+{
+    if (m_dummyHash.isEmpty()) {
+        QByteArray secret(32, Qt::Uninitialized);
+        if (sodiumReady())
+            randombytes_buf(secret.data(), size_t(secret.size()));
+        m_dummyHash = hashPassword(QString::fromLatin1(secret.toHex()), m_cost);
+    }
+    return m_dummyHash;
+}
+
 PasswordWorker::~PasswordWorker()
 {
     m_pool.waitForDone();

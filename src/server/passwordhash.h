@@ -33,8 +33,15 @@ public:
     void verify(const QByteArray &hash, const QString &password, QObject *context,
                 std::function<void(bool accepted)> done);
 
+    int threads() const { return m_pool.maxThreadCount(); }
+    // A hash of a random password at this worker's cost: checking a login of an unknown name
+    // against it takes as long as checking a known one, so the time of the answer does not
+    // tell which names exist.
+    QByteArray dummyHash();
+
 private:
     HashCost m_cost;
+    QByteArray m_dummyHash;
     QObject m_receiver; // lives on the creating thread; results are posted to it
     QThreadPool m_pool; // declared last: destroyed (and drained) first
 };

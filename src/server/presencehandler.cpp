@@ -1,7 +1,9 @@
 #include "server/presencehandler.h"
 
 #include "protocol/presence.h"
+#include "server/accountlimits.h"
 #include "server/accountstore.h"
+#include "server/announcements.h"
 #include "server/buddystore.h"
 #include "server/connection.h"
 #include "server/lobby.h"
@@ -19,10 +21,14 @@ std::optional<int> accountId(qint64 id)
 {
     return id > 0 && id <= INT_MAX ? std::optional<int>(int(id)) : std::nullopt;
 }
+
+const QString kPresence = QStringLiteral("presence");
+const QString kBuddies = QStringLiteral("buddies");
 } // namespace
 
-PresenceHandler::PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStore &buddies)
-    : m_lobby(lobby), m_accounts(accounts), m_buddies(buddies)
+PresenceHandler::PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStore &buddies,
+                                 AccountLimits &limits)
+    : m_lobby(lobby), m_accounts(accounts), m_buddies(buddies), m_limits(limits)
 {
 }
 
@@ -30,11 +36,13 @@ void PresenceHandler::registerWith(MessageRouter &router)
 {
     router.on<protocol::PlayerStatusToServer>(
         [this](Session &sender, const protocol::PlayerStatusToServer &status) {
-            QString address = status.gameAddress;
+            Player &player = sender.player();
+            if (!m_limits.tryAcquire(player.accountId, kPresence, AccountLimits::kPresence))
+                return;
+            QString address = relayText(status.gameAddress, kMaxAddressBytes);
             // The client cannot know how others reach it; the server sees its address.
             if (address == QLatin1String("host"))
                 address = sender.connection().peerAddress();
-            Player &player = sender.player();
             player.presence = status.presence;
             player.gameAddress = address;
             m_lobby.broadcast(protocol::PlayerStatusToClient{
@@ -47,19 +55,23 @@ void PresenceHandler::registerWith(MessageRouter &router)
         Player &player = sender.player();
         if (!id || *id == player.accountId || player.buddies.contains(*id))
             return;
+        if (!m_limits.tryAcquire(player.accountId, kBuddies, AccountLimits::kBuddies))
+            return;
         if (!m_accounts.findById(*id))
             return;
-        if (m_buddies.add(player.accountId, *id))
-            player.buddies.insert(*id);
+        m_buddies.add(player.accountId, *id);
+        player.buddies.insert(*id);
     });
 
     router.on<protocol::BuddyRemove>([this](Session &sender, const protocol::BuddyRemove &remove) {
         const std::optional<int> id = accountId(remove.id);
         Player &player = sender.player();
-        if (!id)
+        if (!id || !player.buddies.contains(*id))
             return;
-        if (m_buddies.remove(player.accountId, *id))
-            player.buddies.remove(*id);
+        if (!m_limits.tryAcquire(player.accountId, kBuddies, AccountLimits::kBuddies))
+            return;
+        m_buddies.remove(player.accountId, *id);
+        player.buddies.remove(*id);
     });
 }
 

@@ -2,6 +2,7 @@
 
 namespace server {
 
+class AccountLimits;
 class AccountStore;
 class BuddyStore;
 class Lobby;
@@ -11,13 +12,15 @@ class MessageRouter;
 class PresenceHandler
 {
 public:
-    PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStore &buddies);
+    PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStore &buddies,
+                    AccountLimits &limits);
     void registerWith(MessageRouter &router);
 
 private:
     Lobby &m_lobby;
     AccountStore &m_accounts;
     BuddyStore &m_buddies;
+    AccountLimits &m_limits;
 };
 
 } // namespace server

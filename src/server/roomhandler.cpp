@@ -1,6 +1,7 @@
 #include "server/roomhandler.h"
 
 #include "protocol/rooms.h"
+#include "server/accountlimits.h"
 #include "server/announcements.h"
 #include "server/connection.h"
 #include "server/lobby.h"
@@ -13,6 +14,12 @@ namespace server {
 using namespace protocol;
 
 namespace {
+const QString kRoomChanges = QStringLiteral("room changes");
+const QString kRoomChat = QStringLiteral("room chat");
+const QString kRoomPasswords = QStringLiteral("room passwords");
+// Room passwords are compared on at most this many characters and stored no longer.
+constexpr qsizetype kMaxRoomPassword = 32;
+
 void sendToMembers(const Room &room, const QByteArray &bytes, const Session *except = nullptr)
 {
     for (const RoomMember &m : room.members) {
@@ -28,27 +35,44 @@ QByteArray memberCount(const Room &room)
 }
 } // namespace
 
-RoomHandler::RoomHandler(Lobby &lobby, RoomRegistry &rooms) : m_lobby(lobby), m_rooms(rooms) {}
+RoomHandler::RoomHandler(Lobby &lobby, RoomRegistry &rooms, AccountLimits &limits)
+    : m_lobby(lobby), m_rooms(rooms), m_limits(limits)
+{
+}
 
 void RoomHandler::registerWith(MessageRouter &router)
 {
-    router.on<AddRoomToServer>([this](Session &host, const AddRoomToServer &add) {
-        if (m_rooms.roomOf(&host))
+    // Every change that is announced to the whole lobby counts against one limit.
+    const auto mayChange = [this](const Session &player) {
+        return m_limits.tryAcquire(player.player().accountId, kRoomChanges,
+                                   AccountLimits::kRoomChanges);
+    };
+    const auto mayChat = [this](const Session &player) {
+        return m_limits.tryAcquire(player.player().accountId, kRoomChat, AccountLimits::kRoomChat);
+    };
+
+    router.on<AddRoomToServer>([this, mayChange](Session &host, const AddRoomToServer &add) {
+        if (m_rooms.roomOf(&host) || !mayChange(host))
             return;
-        const Room &room = m_rooms.create(&host, relayText(add.roomName, add.roomName.size()),
+        const Room &room = m_rooms.create(&host, relayText(add.roomName, kMaxRoomNameBytes),
                                           host.connection().peerAddress());
         m_lobby.broadcast(roomAnnouncement(room));
     });
 
-    router.on<JoinRoom>([this](Session &joiner, const JoinRoom &join) {
+    router.on<JoinRoom>([this, mayChange](Session &joiner, const JoinRoom &join) {
         if (m_rooms.roomOf(&joiner))
             return;
         Room *room = m_rooms.findByHost(join.host);
-        if (!room)
+        if (!room || !mayChange(joiner))
             return;
-        if (!room->password.isEmpty() && room->password != join.password) {
-            joiner.send(WrongPassword{}.encode());
-            return;
+        if (!room->password.isEmpty()) {
+            // Past the limit every password is wrong, so guessing gains nothing.
+            const bool mayTry = m_limits.tryAcquire(joiner.player().accountId, kRoomPasswords,
+                                                    AccountLimits::kRoomPasswords);
+            if (!mayTry || room->password != join.password.left(kMaxRoomPassword)) {
+                joiner.send(WrongPassword{}.encode());
+                return;
+            }
         }
         m_rooms.addMember(*room, &joiner);
         QByteArray roster;
@@ -62,45 +86,52 @@ void RoomHandler::registerWith(MessageRouter &router)
         m_lobby.broadcast(memberCount(*room));
     });
 
-    router.on<LeaveRoom>([this](Session &member, const LeaveRoom &) { leaveRoom(member); });
-
-    router.on<RemoveRoomToServer>(
-        [this](Session &host, const RemoveRoomToServer &) { closeRoom(host); });
-
-    router.on<MemberReadyToServer>([this](Session &member, const MemberReadyToServer &ready) {
-        Room *room = m_rooms.roomOf(&member);
-        if (!room)
-            return;
-        room->member(&member)->ready = ready.state;
-        sendToMembers(
-            *room,
-            MemberReadyToClient{.name = member.player().name, .state = ready.state}.encode());
+    router.on<LeaveRoom>([this, mayChange](Session &member, const LeaveRoom &) {
+        if (mayChange(member))
+            leaveRoom(member);
     });
 
-    router.on<RoomChat>([this](Session &member, const RoomChat &chat) {
+    router.on<RemoveRoomToServer>([this, mayChange](Session &host, const RemoveRoomToServer &) {
+        if (mayChange(host))
+            closeRoom(host);
+    });
+
+    router.on<MemberReadyToServer>(
+        [this, mayChat](Session &member, const MemberReadyToServer &ready) {
+            Room *room = m_rooms.roomOf(&member);
+            if (!room || !mayChat(member))
+                return;
+            room->member(&member)->ready = ready.state;
+            sendToMembers(
+                *room,
+                MemberReadyToClient{.name = member.player().name, .state = ready.state}.encode());
+        });
+
+    router.on<RoomChat>([this, mayChat](Session &member, const RoomChat &chat) {
         const Room *room = m_rooms.roomOf(&member);
-        if (!room)
+        if (!room || !mayChat(member))
             return;
         sendToMembers(*room, RoomChat{member.player().name + QStringLiteral(": ") +
                                       relayText(chat.text, kMaxRoomChatBytes)}
                                  .encode());
     });
 
-    router.on<RoomStatusToServer>([this](Session &host, const RoomStatusToServer &status) {
-        Room *room = m_rooms.roomOf(&host);
-        if (!room || room->host != &host)
-            return;
-        room->status = status.status;
-        m_lobby.broadcast(
-            RoomStatusToClient{.host = room->hostName, .status = roomStatusText(status.status)}
-                .encode());
-    });
+    router.on<RoomStatusToServer>(
+        [this, mayChange](Session &host, const RoomStatusToServer &status) {
+            Room *room = m_rooms.roomOf(&host);
+            if (!room || room->host != &host || !mayChange(host))
+                return;
+            room->status = status.status;
+            m_lobby.broadcast(
+                RoomStatusToClient{.host = room->hostName, .status = roomStatusText(status.status)}
+                    .encode());
+        });
 
-    router.on<LockRoomToServer>([this](Session &host, const LockRoomToServer &lock) {
+    router.on<LockRoomToServer>([this, mayChange](Session &host, const LockRoomToServer &lock) {
         Room *room = m_rooms.roomOf(&host);
-        if (!room || room->host != &host)
+        if (!room || room->host != &host || !mayChange(host))
             return;
-        room->password = lock.password;
+        room->password = lock.password.left(kMaxRoomPassword);
         m_lobby.broadcast(
             LockRoomToClient{.host = room->hostName, .locked = !room->password.isEmpty()}.encode());
     });

@@ -2,6 +2,7 @@
 
 namespace server {
 
+class AccountLimits;
 class Lobby;
 class MessageRouter;
 class RoomRegistry;
@@ -13,9 +14,7 @@ class Session;
 class RoomHandler
 {
 public:
-    static constexpr int kMaxRoomChatBytes = 75;
-
-    RoomHandler(Lobby &lobby, RoomRegistry &rooms);
+    RoomHandler(Lobby &lobby, RoomRegistry &rooms, AccountLimits &limits);
     void registerWith(MessageRouter &router);
 
     // A departing player leaves his room: as its host the room closes, as a member he leaves.
@@ -27,6 +26,7 @@ private:
 
     Lobby &m_lobby;
     RoomRegistry &m_rooms;
+    AccountLimits &m_limits;
 };
 
 } // namespace server

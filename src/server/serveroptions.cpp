@@ -30,6 +30,9 @@ const QString kUsage = QStringLiteral(
     "  --hash-cost standard|minimal  work per password hash of a registration (default\n"
     "                           standard); minimal is for test runs only, its hashes are\n"
     "                           cheap to guess\n"
+    "  --max-connections N      connections held at once (default 20000)\n"
+    "  --max-connections-per-address N  from one address (default 32)\n"
+    "  --log-level L            debug, info, warning or error (default info)\n"
     "  --help                   this text\n");
 
 std::optional<quint16> parsePort(const QString &text)
@@ -103,7 +106,9 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
                        valueOption("db"), valueOption("publish"), valueOption("versions"),
                        valueOption("registration"), valueOption("login-timeout"),
                        valueOption("idle-timeout"), valueOption("hash-cost"), valueOption("email"),
-                       valueOption("colour"), QCommandLineOption(QStringLiteral("help"))});
+                       valueOption("colour"), valueOption("log-level"),
+                       valueOption("max-connections"), valueOption("max-connections-per-address"),
+                       QCommandLineOption(QStringLiteral("help"))});
     if (!parser.parse(arguments))
         return OptionsError{parser.errorText() + QLatin1Char('\n') + kUsage};
     if (parser.isSet(QStringLiteral("help")))
@@ -162,6 +167,24 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
             return OptionsError{QStringLiteral("--hash-cost is standard or minimal")};
         options.hashCost =
             cost == QLatin1String("minimal") ? HashCost::Minimal : HashCost::Standard;
+    }
+    if (parser.isSet(QStringLiteral("log-level"))) {
+        options.logLevel = parser.value(QStringLiteral("log-level"));
+        static const QStringList levels{"debug", "info", "warning", "error"};
+        if (!levels.contains(options.logLevel))
+            return OptionsError{QStringLiteral("--log-level is debug, info, warning or error")};
+    }
+    for (const auto &[name, target] :
+         {std::pair{"max-connections", &options.lobby.maxConnections},
+          std::pair{"max-connections-per-address", &options.lobby.maxConnectionsPerAddress}}) {
+        const QString key = QString::fromLatin1(name);
+        if (!parser.isSet(key))
+            continue;
+        bool ok = false;
+        const int count = parser.value(key).toInt(&ok);
+        if (!ok || count < 1)
+            return OptionsError{QStringLiteral("--%1 takes a number above 0").arg(key)};
+        *target = count;
     }
     for (const auto &[name, target] : {std::pair{"login-timeout", &options.lobby.loginTimeoutMs},
                                        std::pair{"idle-timeout", &options.lobby.idleTimeoutMs}}) {

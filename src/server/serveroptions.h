@@ -20,7 +20,8 @@ struct ServerOptions
     QString databasePath;
     QString publishFile; // the client program offered for updates; empty: none
     LobbyConfig lobby;
-    HashCost hashCost = HashCost::Standard; // of the passwords registered while it runs
+    HashCost hashCost = HashCost::Standard;    // of the passwords registered while it runs
+    QString logLevel = QStringLiteral("info"); // debug, info, warning or error
 };
 
 // An admin command on the database: "account add|password|moderator|list".

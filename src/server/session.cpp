@@ -4,8 +4,16 @@
 
 namespace server {
 
+namespace {
+quint64 nextId()
+{
+    static quint64 counter = 0;
+    return ++counter;
+}
+} // namespace
+
 Session::Session(Connection *connection, QObject *parent)
-    : QObject(parent), m_connection(connection)
+    : QObject(parent), m_connection(connection), m_id(nextId())
 {
     m_connection->setParent(this);
     m_loginDeadline.setSingleShot(true);

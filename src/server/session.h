@@ -1,7 +1,6 @@
 #pragma once
 
 #include "protocol/presence.h"
-#include "server/ratelimiter.h"
 
 #include <QObject>
 #include <QSet>
@@ -22,8 +21,7 @@ struct Player
     QString emailHash;
     QSet<int> buddies; // account ids this player marked as buddies
     protocol::Presence presence = protocol::Presence::Lobby;
-    QString gameAddress;   // as last reported, whatever the presence
-    RateLimiter chatLimit; // shared by lobby chat and private messages
+    QString gameAddress; // as last reported, whatever the presence
 };
 
 // One client connection through its life: new until "VE", versioned after it, logged in
@@ -40,6 +38,8 @@ public:
     Session(Connection *connection, QObject *parent = nullptr);
 
     Connection &connection() const { return *m_connection; }
+    // Numbers the sessions of this process in the order they connected, for the log.
+    quint64 id() const { return m_id; }
     void send(const QByteArray &bytes) const;
 
     Stage stage() const { return m_stage; }
@@ -62,6 +62,7 @@ Q_SIGNALS:
 
 private:
     Connection *m_connection;
+    quint64 m_id;
     Stage m_stage = Stage::New;
     bool m_loginPending = false;
     Player m_player;

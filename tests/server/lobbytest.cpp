@@ -31,7 +31,7 @@ QStringList codesOf(const QList<Message> &messages)
     return out;
 }
 
-TestClient::TestClient(quint16 port)
+TestClient::TestClient(quint16 port, const QHostAddress &from)
 {
     QObject::connect(&m_socket, &QTcpSocket::readyRead, [this] {
         const QByteArray bytes = m_socket.readAll();
@@ -47,6 +47,8 @@ TestClient::TestClient(quint16 port)
                 m_messages.append({frame->code, *fields});
         }
     });
+    if (!from.isNull())
+        m_socket.bind(from);
     m_socket.connectToHost(QHostAddress::LocalHost, port);
     m_socket.waitForConnected(5000);
 }
@@ -106,7 +108,7 @@ std::optional<Message> TestClient::login(const QString &name, const QString &pas
     return take(Code::LoginAccepted, 0);
 }
 
-TestLobby::TestLobby(server::LobbyConfig config)
+TestLobby::TestLobby(server::LobbyConfig config, server::HashCost cost) : cost(cost)
 {
     database.open(dir.filePath("lobby.sqlite"));
     server = std::make_unique<server::LobbyServer>(config, accounts, buddies, diagnostics,
@@ -116,7 +118,7 @@ TestLobby::TestLobby(server::LobbyConfig config)
 
 int TestLobby::addAccount(const QString &name, const QString &password, const QString &email)
 {
-    const QByteArray hash = server::hashPassword(password, server::HashCost::Minimal);
+    const QByteArray hash = server::hashPassword(password, cost);
     const auto account = accounts.create(name, hash, email);
     return account ? account->id : 0;
 }
@@ -138,9 +140,9 @@ TestClient *TestLobby::loggedIn(const QString &name)
     return client;
 }
 
-TestClient *TestLobby::connected()
+TestClient *TestLobby::connected(const QHostAddress &from)
 {
-    m_clients.push_back(std::make_unique<TestClient>(server->serverPort()));
+    m_clients.push_back(std::make_unique<TestClient>(server->serverPort(), from));
     return m_clients.back().get();
 }
 

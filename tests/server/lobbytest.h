@@ -53,7 +53,9 @@ inline QByteArray wire(Code code)
 class TestClient
 {
 public:
-    explicit TestClient(quint16 port);
+    // `from`: the loopback address to connect from (127.0.0.1 when null), so that tests can
+    // play several hosts.
+    explicit TestClient(quint16 port, const QHostAddress &from = {});
 
     bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
     bool waitForDisconnected()
@@ -108,12 +110,13 @@ private:
 };
 
 // A lobby server in the test process on an ephemeral loopback port, over a fresh database in a
-// temporary folder, hashing passwords at the least cost. Its clock for the chat limit stands still
-// until advanced.
+// temporary folder, hashing passwords at the least cost unless told otherwise. Its clock for the
+// rate limits stands still until advanced.
 class TestLobby
 {
 public:
-    explicit TestLobby(server::LobbyConfig config = {});
+    explicit TestLobby(server::LobbyConfig config = {},
+                       server::HashCost cost = server::HashCost::Minimal);
 
     int addAccount(const QString &name, const QString &password = "pw",
                    const QString &email = QString()); // its id
@@ -127,7 +130,7 @@ public:
     {
         return std::array{loggedIn(first), loggedIn(second), loggedIn(QString(more))...};
     }
-    TestClient *connected(); // a new client that has said nothing yet
+    TestClient *connected(const QHostAddress &from = {}); // a new client that has said nothing yet
 
     // Returns once every client from loggedIn(), and `via`, has received all the server sent before
     // it read what `via` has sent so far (and anything else already answered): `via` sends a chat
@@ -140,7 +143,8 @@ public:
     server::AccountStore accounts{database};
     server::BuddyStore buddies{database};
     server::DiagnosticStore diagnostics{database};
-    server::PasswordWorker passwords{server::HashCost::Minimal};
+    server::HashCost cost;
+    server::PasswordWorker passwords{cost};
     ManualServerClock clock;
     std::unique_ptr<server::LobbyServer> server;
 

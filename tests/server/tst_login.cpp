@@ -131,20 +131,28 @@ private Q_SLOTS:
     {
         ManualServerClock clock;
         server::LoginThrottle throttle(clock);
+        // One attempt after the other: each waits its turn, then fails.
         QList<qint64> delays;
         for (int i = 0; i < 10; ++i) {
-            delays.append(throttle.delayFor("a"));
+            delays.append(throttle.reserveTurn("a"));
+            clock.advance(delays.last());
             throttle.recordFailure("a");
         }
-        QCOMPARE(delays, QList<qint64>({0, 0, 0, 1000, 2000, 4000, 8000, 16000, 30000, 30000}));
-        QCOMPARE(throttle.delayFor("b"), 0); // per address
+        QCOMPARE(delays, QList<qint64>({0, 0, 0, 500, 1000, 2000, 4000, 4000, 4000, 4000}));
+        QCOMPARE(throttle.reserveTurn("b"), 0); // per address
+        // Attempts on parallel connections take turns rather than all waiting the same time.
+        for (int i = 0; i < 5; ++i)
+            throttle.recordFailure("b");
+        QCOMPARE(QList<qint64>({throttle.reserveTurn("b"), throttle.reserveTurn("b"),
+                                throttle.reserveTurn("b")}),
+                 QList<qint64>({2000, 4000, 6000}));
         // Forgotten at once after a success, and after a quiet while.
         throttle.recordSuccess("a");
-        QCOMPARE(throttle.delayFor("a"), 0);
+        QCOMPARE(throttle.reserveTurn("a"), 0);
         for (int i = 0; i < 5; ++i)
             throttle.recordFailure("a");
         clock.advance(server::LoginThrottle::kForgetMs);
-        QCOMPARE(throttle.delayFor("a"), 0);
+        QCOMPARE(throttle.reserveTurn("a"), 0);
     }
 
     void repeatedFailuresAreSlowedDown()
@@ -163,7 +171,7 @@ private Q_SLOTS:
         for (int i = 0; i < 2; ++i)
             guesser->send(Code::Login, {"Anna", "pw"});
         QVERIFY(guesser->take(Code::LoginAccepted));
-        QVERIFY(elapsed.elapsed() >= 1000);
+        QVERIFY(elapsed.elapsed() >= server::LoginThrottle::kFirstDelayMs);
         QVERIFY(lobby.sync(guesser));
         QVERIFY(guesser->takeAll(Code::LoginAccepted).isEmpty());
     }
