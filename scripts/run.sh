@@ -53,7 +53,8 @@ start_client() {
     # The stand-in game, started by the client when the player hosts or joins a game.
     cp build/tools/fakegame/game/roguespear.exe "$home/RogueSpear/"
     XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
-        build/src/client/quorvel --lobby "127.0.0.1:$port" --web "127.0.0.1:$web_port" >"$home/client.log" 2>&1 &
+        build/src/client/quorvel --lobby "127.0.0.1:$port" --web "127.0.0.1:$web_port" \
+        --avatars "http://127.0.0.1:$web_port" >"$home/client.log" 2>&1 &
     pids+=($!)
     echo "client $name started (log: $home/client.log)"
 }

@@ -14,6 +14,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QUrl>
 #include <cstdio>
 #include <cstring>
 
@@ -51,7 +52,12 @@ int main(int argc, char *argv[])
         QStringLiteral("unattended"),
         QStringLiteral("Nobody is at the screen: write message boxes to standard error and "
                        "answer them with their first button."));
+    const QCommandLineOption avatarsOption(
+        QStringLiteral("avatars"),
+        QStringLiteral("Avatar service, e.g. http://HOST:PORT (default: the public service)."),
+        QStringLiteral("URL"));
     parser.addOption(lobbyOption);
+    parser.addOption(avatarsOption);
     parser.addOption(webOption);
     parser.addOption(unattendedOption);
     const QCommandLineOption wineOption(
@@ -87,6 +93,18 @@ int main(int argc, char *argv[])
             return 2;
         }
         servers.web = *web;
+        changed = true;
+    }
+    if (parser.isSet(avatarsOption)) {
+        const QUrl avatars(parser.value(avatarsOption), QUrl::StrictMode);
+        if (!avatars.isValid() || avatars.host().isEmpty() ||
+            (avatars.scheme() != QLatin1String("http") &&
+             avatars.scheme() != QLatin1String("https"))) {
+            std::fprintf(stderr, "quorvel: bad --avatars address: %s\n",
+                         qPrintable(parser.value(avatarsOption)));
+            return 2;
+        }
+        servers.avatars = avatars.toString();
         changed = true;
     }
 

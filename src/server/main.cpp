@@ -1,5 +1,6 @@
 #include "server/accountstore.h"
 #include "server/admincommands.h"
+#include "server/avatarpages.h"
 #include "server/buddystore.h"
 #include "server/clock.h"
 #include "server/database.h"
@@ -49,6 +50,7 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     // The lobby runs without its pages rather than not at all (port 80 needs privileges).
     server::WebServer web;
     server::PublishedDownload(options.publishFile).addRoutes(web.http());
+    const server::AvatarPages avatars(web);
     if (web.listen(options.listenAddress, options.httpPort))
         out << "web listening on " << shown << ':' << web.serverPort() << Qt::endl;
     else

@@ -32,7 +32,9 @@ namespace {
 
 struct Player : LobbyClient
 {
-    Player(const QString &name, quint16 port) : LobbyClient(name, port), name(name) {}
+    Player(const QString &name, const ServerProcess &server) : LobbyClient(name, server), name(name)
+    {
+    }
 
     const QString name;
 
@@ -81,11 +83,11 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY(startLobbyServer(m_server, m_serverHome)); }
+    void initTestCase() { QVERIFY(startOpenLobby(m_server, m_serverHome)); }
 
     void aRoomFromOpeningToClosing()
     {
-        Player ann("ann", m_server.port()), bob("bob", m_server.port()), cy("cy", m_server.port());
+        Player ann("ann", m_server), bob("bob", m_server), cy("cy", m_server);
         const QList<Player *> everyone{&ann, &bob, &cy};
         logIn(everyone);
 
@@ -207,8 +209,8 @@ private Q_SLOTS:
     {
         ServerProcess server;
         QTemporaryDir home;
-        QVERIFY(startLobbyServer(server, home));
-        Player ann("ann", server.port());
+        QVERIFY(startOpenLobby(server, home));
+        Player ann("ann", server);
         logIn({&ann});
         ann.createRoom("war");
         server.killHard();

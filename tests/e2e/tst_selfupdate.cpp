@@ -72,7 +72,8 @@ struct Lobby
     ServerAddresses servers() const
     {
         return {.lobby = {"127.0.0.1", server.port()},
-                .web = HostPort{"127.0.0.1", server.webPort()}};
+                .web = HostPort{"127.0.0.1", server.webPort()},
+                .avatars = {}};
     }
 };
 

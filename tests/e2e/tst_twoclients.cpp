@@ -4,6 +4,7 @@
 #include "client/app/form1.h"
 #include "client/presence/chatinput.h"
 #include "client/presence/lobbychat.h"
+#include "client/presence/playerlistmodel.h"
 #include "support/lobbyclient.h"
 
 #include <QLineEdit>
@@ -11,8 +12,6 @@
 #include <QTextBrowser>
 
 using namespace client;
-
-using Client = LobbyClient;
 
 class TestTwoClients : public QObject
 {
@@ -23,16 +22,16 @@ private:
     QTemporaryDir m_serverHome;
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY(startLobbyServer(m_server, m_serverHome)); }
+    void initTestCase() { QVERIFY(startOpenLobby(m_server, m_serverHome)); }
 
     void twoClientsMeetChatAndGoAway()
     {
-        Client ann(QStringLiteral("ann"), m_server.port());
-        Client bob(QStringLiteral("bob"), m_server.port());
+        LobbyClient ann(QStringLiteral("ann"), m_server);
+        LobbyClient bob(QStringLiteral("bob"), m_server);
         QVERIFY(ann.app.start());
         QVERIFY(bob.app.start());
         // Both log in and see each other in the lobby.
-        for (Client *client : {&ann, &bob}) {
+        for (LobbyClient *client : {&ann, &bob}) {
             QTRY_COMPARE_WITH_TIMEOUT(client->statusOf("ann"), "7", 10000);
             QTRY_COMPARE_WITH_TIMEOUT(client->statusOf("bob"), "7", 10000);
         }
@@ -40,7 +39,7 @@ private Q_SLOTS:
         ann.clock.advanceSeconds(10);
         ann.app.form().txtChatSend->setText(QStringLiteral("anyone up for a round?"));
         ann.app.chat().input().send();
-        for (Client *client : {&ann, &bob})
+        for (LobbyClient *client : {&ann, &bob})
             QTRY_VERIFY(client->app.form().txtChat->toPlainText().contains(
                 QStringLiteral("anyone up for a round?")));
 

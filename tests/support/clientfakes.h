@@ -31,6 +31,11 @@ public:
     }
     void remove() override { shown = false; }
     bool isShown() const override { return shown; }
+    void showMessage(const QString &title, const QString &text) override
+    {
+        messages << title + ": " + text;
+    }
+    QStringList messages;
     // A click on the icon (or "Show" in its menu), and "Quit" in its menu.
     void activate() { Q_EMIT showRequested(); }
     void chooseQuit() { Q_EMIT quitRequested(); }

@@ -3,6 +3,8 @@
 #include "client/game/frmgameinfo.h"
 #include "client/lobby/frmlogin.h"
 #include "client/options/frmoptions.h"
+#include "client/pager/frmpager.h"
+#include "client/presence/frmmenu.h"
 #include "client/rooms/frmmakeroom.h"
 #include "client/rooms/frmroom.h"
 #include "client/ui/borderlesswindow.h"
@@ -34,12 +36,12 @@ FrmRoom *AppWindows::frmRoom()
     return m_room.get();
 }
 
-BorderlessWindow *AppWindows::frmMenu()
+FrmMenu *AppWindows::frmMenu()
 {
     return m_menu.get();
 }
 
-BorderlessWindow *AppWindows::frmPager()
+FrmPager *AppWindows::frmPager()
 {
     return m_pager.get();
 }

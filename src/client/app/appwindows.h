@@ -10,6 +10,8 @@ class BorderlessWindow;
 class FrmGameInfo;
 class FrmLogIn;
 class FrmMakeRoom;
+class FrmMenu;
+class FrmPager;
 class FrmOptions;
 class FrmRoom;
 
@@ -26,8 +28,8 @@ public:
         std::function<FrmLogIn *()> logIn;
         std::function<FrmOptions *()> options;
         std::function<FrmRoom *()> room;
-        std::function<BorderlessWindow *()> menu;
-        std::function<BorderlessWindow *()> pager;
+        std::function<FrmMenu *()> menu;
+        std::function<FrmPager *()> pager;
         std::function<FrmMakeRoom *()> makeRoom;
         std::function<FrmGameInfo *()> gameInfo;
     };
@@ -38,8 +40,8 @@ public:
     FrmLogIn *frmLogIn();
     FrmOptions *frmOptions();
     FrmRoom *frmRoom();
-    BorderlessWindow *frmMenu();
-    BorderlessWindow *frmPager();
+    FrmMenu *frmMenu();
+    FrmPager *frmPager();
     FrmMakeRoom *frmMakeRoom();
     FrmGameInfo *frmGameInfo();
 
@@ -63,8 +65,8 @@ private:
     WindowSlot<FrmLogIn> m_logIn;
     WindowSlot<FrmOptions> m_options;
     WindowSlot<FrmRoom> m_room;
-    WindowSlot<BorderlessWindow> m_menu;
-    WindowSlot<BorderlessWindow> m_pager;
+    WindowSlot<FrmMenu> m_menu;
+    WindowSlot<FrmPager> m_pager;
     WindowSlot<FrmMakeRoom> m_makeRoom;
     WindowSlot<FrmGameInfo> m_gameInfo;
 };

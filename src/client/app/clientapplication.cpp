@@ -1,6 +1,7 @@
 #include "client/app/clientapplication.h"
 
 #include "client/app/appwindows.h"
+#include "client/app/buddynotifier.h"
 #include "client/app/form1.h"
 #include "client/app/sessionlooks.h"
 #include "client/app/traycontroller.h"
@@ -25,6 +26,9 @@
 #include "client/options/frmoptions.h"
 #include "client/options/options.h"
 #include "client/options/optionsstore.h"
+#include "client/pager/avatarloader.h"
+#include "client/pager/frmpager.h"
+#include "client/pager/pager.h"
 #include "client/platform/datafolder.h"
 #include "client/platform/detachedprocessstarter.h"
 #include "client/platform/dialogs.h"
@@ -32,7 +36,9 @@
 #include "client/platform/proctcptable.h"
 #include "client/platform/trayservice.h"
 #include "client/platform/x11gamewindowfinder.h"
+#include "client/presence/frmmenu.h"
 #include "client/presence/lobbychat.h"
+#include "client/presence/playerlistclicks.h"
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/playerlistview.h"
@@ -50,12 +56,14 @@
 #include "client/ui/picturebutton.h"
 #include "client/update/selfupdate.h"
 
+#include <QDesktopServices>
 #include <QDir>
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QTreeView>
+#include <QUrl>
 
 namespace client {
 
@@ -81,6 +89,7 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     m_looks = new SessionLooks(*m_form, *m_services.tray, *m_session, this);
 
     buildLobby();
+    buildPager();
     buildWindows();
     buildTray();
     buildGame();
@@ -141,16 +150,31 @@ void ClientApplication::buildWindows()
         loadOptions();
         return new FrmOptions(*m_options, *m_optionsStore, *m_services.dialogs);
     };
-    factories.room = [this] { return new FrmRoom(*m_roomState, *m_roomSession); };
-    // Placeholders until these windows get their contents.
-    factories.menu = [] {
-        return new BorderlessWindow(
-            {.objectName = "frmMenu", .title = QStringLiteral("Player"), .size = {160, 120}});
+    factories.room = [this] {
+        auto *window = new FrmRoom(*m_roomState, *m_roomSession);
+        connect(window, &FrmRoom::privateMessageRequested, this, [this](const QString &name) {
+            m_pager->SendMessagee(name);
+            m_windows->frmPager()->show();
+        });
+        return window;
     };
-    factories.pager = [] {
-        return new BorderlessWindow(
-            {.objectName = "frmPager", .title = QStringLiteral("Messages"), .size = {420, 360}});
+    factories.menu = [this] {
+        auto *menu = new FrmMenu(*m_players, *m_form->ListView2, *m_connection, *m_session,
+                                 *m_services.dialogs);
+        connect(menu, &FrmMenu::privateMessageRequested, this, [this](const QString &name) {
+            m_pager->SendMessagee(name);
+            m_windows->frmPager()->show();
+        });
+        connect(menu, &FrmMenu::statsPageRequested, this, &ClientApplication::openStatsPage);
+        connect(menu, &FrmMenu::gameInfoRequested, this, [this](const QString &address) {
+            if (m_gameQuery)
+                m_gameQuery->queryGameInfo(address);
+        });
+        connect(menu, &FrmMenu::joinGameRequested, this,
+                [this](const QString &address) { m_launcher->launchGameClient(address); });
+        return menu;
     };
+    factories.pager = [this] { return new FrmPager(*m_pager, *m_session); };
     factories.makeRoom = [this] {
         auto *window = new FrmMakeRoom;
         connect(window, &FrmMakeRoom::makeRoomRequested, this, [this](const QString &name) {
@@ -167,6 +191,40 @@ void ClientApplication::buildWindows()
         window->show();
         window->raise();
     });
+}
+
+void ClientApplication::buildPager()
+{
+    m_avatars = new AvatarLoader(m_servers.avatars.isEmpty()
+                                     ? QUrl(QString::fromLatin1(AvatarLoader::kDefaultServer))
+                                     : QUrl(m_servers.avatars),
+                                 this);
+    m_pager = new Pager(*m_players, *m_connection, *m_session,
+                        SendRateGuard(*m_session, *m_services.clock), *m_sounds, *m_avatars, this);
+    m_pager->registerHandler(*m_dispatcher);
+    connect(m_playerHandlers, &PlayerListHandlers::playerLeft, m_pager, &Pager::playerLeft);
+    connect(m_pager, &Pager::statsPageRequested, this, &ClientApplication::openStatsPage);
+    // A click on the player list: the menu decides what it means.
+    connect(new PlayerListClicks(*m_form->ListView2, this), &PlayerListClicks::released, this,
+            [this](Qt::MouseButton button, QPoint globalPos) {
+                m_windows->frmMenu()->listClicked(button, globalPos);
+            });
+
+    m_buddyNotifier = new BuddyNotifier(*m_services.tray, *m_options, *m_services.clock, this);
+    connect(m_playerHandlers, &PlayerListHandlers::buddyAnnounced, m_buddyNotifier,
+            &BuddyNotifier::buddyAnnounced);
+    connect(m_playerHandlers, &PlayerListHandlers::buddyStartedGame, m_buddyNotifier,
+            &BuddyNotifier::buddyStartedGame);
+}
+
+void ClientApplication::openStatsPage(const QString &id)
+{
+    const QString host =
+        m_session->webPort == 80
+            ? m_session->webHost
+            : QStringLiteral("%1:%2").arg(m_session->webHost).arg(m_session->webPort);
+    QDesktopServices::openUrl(
+        QUrl(QStringLiteral("http://") + host + QStringLiteral("/?p=stats&id=") + id));
 }
 
 void ClientApplication::buildTray()
@@ -206,6 +264,8 @@ void ClientApplication::buildLogin()
     connect(m_login, &LoginController::loginDialogRequested, this,
             [this] { m_windows->frmLogIn()->showModal(); });
     connect(m_login, &LoginController::statsIdReceived, this, [this](const QString &id) {
+        m_session->ownName = CredentialsFile::read(credentialsPath()).name;
+        m_buddyNotifier->loggedIn();
         m_form->picViewStats->setTag(id);
         m_form->picViewStats->show();
     });

@@ -12,6 +12,8 @@ namespace client {
 
 class AppWindows;
 class AutoStart;
+class AvatarLoader;
+class BuddyNotifier;
 class BasRegistry;
 class Clock;
 class Dialogs;
@@ -32,6 +34,7 @@ class LobbyDispatcher;
 class LoginController;
 class Options;
 class OptionsStore;
+class Pager;
 class PlayerListHandlers;
 class PlayerListModel;
 class ProcessStarter;
@@ -106,6 +109,7 @@ public:
     FolderWatcher &folderWatcher() { return *m_services.folderWatcher; }
     RoomState &room() { return *m_roomState; }
     RoomSession &roomSession() { return *m_roomSession; }
+    Pager &pager() { return *m_pager; }
     // Exists from start-up step 5 on.
     GameServerQuery *gameQuery() { return m_gameQuery; }
     SelfUpdate &selfUpdate() { return *m_selfUpdate; }
@@ -123,6 +127,8 @@ private:
     void buildSelfUpdate();
     void buildGame();
     void buildRooms();
+    void buildPager();
+    void openStatsPage(const QString &id);
     // user.txt in the data folder.
     QString credentialsPath() const;
     void startGameQuery();
@@ -155,6 +161,9 @@ private:
     RoomSession *m_roomSession = nullptr;
     GameServerQuery *m_gameQuery = nullptr;
     SelfUpdate *m_selfUpdate = nullptr;
+    AvatarLoader *m_avatars = nullptr;
+    Pager *m_pager = nullptr;
+    BuddyNotifier *m_buddyNotifier = nullptr;
     QTimer *m_tmrStatsReset = nullptr;
     std::unique_ptr<ProcessStarter> m_ownProcesses;
     std::unique_ptr<GameWindowFinder> m_ownWindowFinder;

@@ -16,7 +16,7 @@
 namespace client {
 
 namespace {
-constexpr QSize kSize(400, 290);
+constexpr QSize kSize(400, 310);
 }
 
 FrmOptions::FrmOptions(Options &options, OptionsStore &store, Dialogs &dialogs, QWidget *parent)
@@ -51,6 +51,9 @@ FrmOptions::FrmOptions(Options &options, OptionsStore &store, Dialogs &dialogs, 
         addLabel("lblPathToR6BO", QStringLiteral("Path to: R6BO.exe"), {10, 226, 290, 20});
     txtPathBlackOps = addFolderField("txtPathBlackOps", 246);
     picDeletePathBO = addDeleteButton("picDeletePathBO", 246);
+    chkBuddyNotify =
+        addCheckBox("chkBuddyNotify", QStringLiteral("Tell me when a buddy comes online"),
+                    QStringLiteral("A desktop message when a buddy logs in or starts a game"), 278);
 
     bindToOptions();
 }
@@ -93,6 +96,8 @@ void FrmOptions::bindToOptions()
               &Options::autoLogInChanged);
     bindCheck(chkSound, m_options.sound(), &Options::setSound, &Options::soundChanged);
     bindCheck(chkReset, m_options.reset(), &Options::setReset, &Options::resetChanged);
+    bindCheck(chkBuddyNotify, m_options.buddyNotifications(), &Options::setBuddyNotifications,
+              &Options::buddyNotificationsChanged);
 
     txtHotKey->setEnabled(m_options.reset());
     connect(&m_options, &Options::resetChanged, txtHotKey, &QWidget::setEnabled);

@@ -47,6 +47,7 @@ public:
     QLabel *lblPathToR6BO;
     QLineEdit *txtPathBlackOps;
     QToolButton *picDeletePathBO;
+    QCheckBox *chkBuddyNotify;
 
 Q_SIGNALS:
     // `picClose` saved the settings and hid the window.

@@ -37,6 +37,11 @@ void Options::setReset(bool on)
     assign(this, m_reset, on, &Options::resetChanged);
 }
 
+void Options::setBuddyNotifications(bool on)
+{
+    assign(this, m_buddyNotifications, on, &Options::buddyNotificationsChanged);
+}
+
 void Options::setPathRS(const QString &folder)
 {
     assign(this, m_pathRS, folder, &Options::pathRSChanged);

@@ -30,6 +30,10 @@ public:
     bool reset() const { return m_reset; }
     void setReset(bool on);
 
+    // A desktop message when a buddy comes online or starts a game; on unless switched off.
+    bool buddyNotifications() const { return m_buddyNotifications; }
+    void setBuddyNotifications(bool on);
+
     // `txtHotKey`: its tag, the key's virtual-key code in decimal as stored (possibly empty or
     // not a number), and its text, the key's name.
     QString hotKeyTag() const { return m_hotKeyTag; }
@@ -54,6 +58,7 @@ Q_SIGNALS:
     void autoLogInChanged(bool on);
     void soundChanged(bool on);
     void resetChanged(bool on);
+    void buddyNotificationsChanged(bool on);
     void hotKeyChanged();
     void pathRSChanged(const QString &folder);
     void pathBlackOpsChanged(const QString &folder);
@@ -65,6 +70,7 @@ private:
     bool m_autoLogIn = false;
     bool m_sound = false;
     bool m_reset = false;
+    bool m_buddyNotifications = true;
     QString m_hotKeyTag;
     QString m_hotKeyText;
     QString m_pathRS;

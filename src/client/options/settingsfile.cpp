@@ -74,6 +74,7 @@ void parse(const QByteArray &content, Options &options)
         options.setPathRS(trimBlanks(lines[5]).toString());
     if (lines.size() > 6)
         options.setPathBlackOps(trimBlanks(lines[6]).toString());
+    readCheck(7, &Options::setBuddyNotifications);
 }
 
 QByteArray format(const Options &options)
@@ -86,6 +87,7 @@ QByteArray format(const Options &options)
         options.hotKeyTag(),
         options.pathRS(),
         options.pathBlackOps(),
+        QString::number(int(options.buddyNotifications())),
     };
     const QString text = lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n");
     // A folder that code page 1252 cannot hold would lose its name to '?'; it is kept whole as

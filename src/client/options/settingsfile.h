@@ -9,7 +9,8 @@ class Options;
 
 // "settingRS.txt" in the data folder: seven lines, CR LF, in this order: autostart, auto
 // login, sounds, reset key on (each 0 or 1, blanks around the digit allowed), the hot key's
-// virtual-key code (or empty), the Rogue Spear folder, the Black Ops folder.
+// virtual-key code (or empty), the Rogue Spear folder, the Black Ops folder; then an eighth line,
+// buddy notifications (0 or 1), which files of older clients lack.
 //
 // Reading is tolerant: a missing or unreadable line is skipped and its setting keeps its
 // value; the lines after it are still read. Text is read as UTF-8, or as Windows code page
@@ -26,7 +27,7 @@ inline QString fileName()
 bool read(const QString &path, Options &options);
 void parse(const QByteArray &content, Options &options);
 
-// Creates or replaces the file with all seven lines. False when it cannot be written.
+// Creates or replaces the file with all eight lines. False when it cannot be written.
 bool write(const QString &path, const Options &options);
 QByteArray format(const Options &options);
 

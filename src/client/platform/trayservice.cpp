@@ -55,4 +55,10 @@ bool SystemTrayService::isShown() const
     return m_icon->isVisible();
 }
 
+void SystemTrayService::showMessage(const QString &title, const QString &text)
+{
+    if (m_icon->isVisible())
+        m_icon->showMessage(title, text);
+}
+
 } // namespace client

@@ -26,6 +26,8 @@ public:
     virtual void modify(const QIcon &icon, const QString &tip) = 0;
     virtual void remove() = 0;
     virtual bool isShown() const = 0;
+    // A desktop notification from the icon; nothing when the icon is not shown.
+    virtual void showMessage(const QString &title, const QString &text) = 0;
 
 Q_SIGNALS:
     void showRequested();
@@ -49,6 +51,7 @@ public:
     void modify(const QIcon &icon, const QString &tip) override;
     void remove() override;
     bool isShown() const override;
+    void showMessage(const QString &title, const QString &text) override;
 
 private:
     std::unique_ptr<QMenu> m_menu; // a widget, so not a child of this object

@@ -51,6 +51,8 @@ void PlayerListHandlers::onAddPlayer(const protocol::AddPlayer &message)
     entry.icon = Icons::OpenRoom;
     m_model.addEntry(std::move(entry));
     m_model.countPlayers();
+    if (message.buddy)
+        Q_EMIT buddyAnnounced(message.name);
 }
 
 void PlayerListHandlers::onRemovePlayer(const protocol::RemovePlayer &message)
@@ -78,6 +80,7 @@ void PlayerListHandlers::onPlayerStatus(const protocol::PlayerStatusToClient &me
     m_model.setBold(row, buddy);
     const QString code = statusCode(message.presence, buddy);
     const QString oldAddress = m_model.text(row, PlayerListModel::IpToGame);
+    const QString oldCode = m_model.text(row, PlayerListModel::PlayerStatus);
     // The address before the code: a new code moves the entry to another row.
     m_model.setText(row, PlayerListModel::IpToGame, message.gameAddress);
     if (!code.isEmpty())
@@ -88,6 +91,8 @@ void PlayerListHandlers::onPlayerStatus(const protocol::PlayerStatusToClient &me
     else if (!oldAddress.isEmpty())
         Q_EMIT removeGameRowRequested(oldAddress);
     m_model.countPlayers();
+    if (buddy && message.presence == protocol::Presence::Playing && oldCode != code)
+        Q_EMIT buddyStartedGame(message.name);
 }
 
 } // namespace client

@@ -37,6 +37,9 @@ Q_SIGNALS:
     void removeGameRowRequested(const QString &address);
     // The player whose id is `index` left the lobby: the pager hides itself if it shows them.
     void playerLeft(qint64 index);
+    // A buddy was announced, or a buddy who was not in a game went into one.
+    void buddyAnnounced(const QString &name);
+    void buddyStartedGame(const QString &name);
 
 private:
     void onAddPlayer(const protocol::AddPlayer &message);

@@ -58,6 +58,7 @@ ServerAddresses ServerAddresses::load(const QString &dataFolder)
         addresses.lobby = *lobby;
     if (auto web = HostPort::parse(ini.value(QStringLiteral("web")).toString(), kWebPort))
         addresses.web = *web;
+    addresses.avatars = ini.value(QStringLiteral("avatars")).toString();
     return addresses;
 }
 
@@ -69,6 +70,8 @@ void ServerAddresses::save(const QString &dataFolder) const
         ini.setValue(QStringLiteral("web"), web->toString());
     else
         ini.remove(QStringLiteral("web"));
+    if (!avatars.isEmpty())
+        ini.setValue(QStringLiteral("avatars"), avatars);
 }
 
 } // namespace client

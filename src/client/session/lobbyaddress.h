@@ -18,7 +18,7 @@ struct HostPort
     QString toString() const;
 };
 
-// The lobby and web addresses kept in "servers.ini" in the data folder.
+// The lobby, web and avatar addresses kept in "servers.ini" in the data folder.
 struct ServerAddresses
 {
     static constexpr quint16 kLobbyPort = 20000;
@@ -28,6 +28,9 @@ struct ServerAddresses
     HostPort lobby{QString::fromLatin1(kDefaultHost), kLobbyPort};
     // The web host defaults to the lobby host.
     std::optional<HostPort> web;
+
+    // The avatar service, a URL such as "http://host:port"; empty for the public service.
+    QString avatars;
 
     HostPort webOrLobbyHost() const { return web ? *web : HostPort{lobby.host, kWebPort}; }
 

@@ -1,6 +1,8 @@
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
 #include "client/lobby/frmlogin.h"
+#include "client/pager/frmpager.h"
+#include "client/presence/frmmenu.h"
 #include "client/rooms/frmroom.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/borderlesswindow.h"

@@ -82,6 +82,7 @@ private Q_SLOTS:
         QVERIFY(w.txtHotKey->isEnabled());
         QTest::keyClicks(w.txtPathBlackOps, "/bo");
 
+        w.chkBuddyNotify->click(); // on unless switched off
         QSignalSpy closed(&w, &FrmOptions::closed);
         w.picClose->click();
         QCOMPARE(closed.count(), 1);
@@ -90,7 +91,7 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadOnly));
         // Code page 1252, as on Windows: "é" is one byte.
         QCOMPARE(file.readAll(), QByteArray("0\r\n0\r\n1\r\n1\r\n\r\n/games/Rogue Sp\xe9"
-                                            "ar\r\n/bo\r\n"));
+                                            "ar\r\n/bo\r\n0\r\n"));
     }
 
     // The key's place counts, not what the layout prints on it; other keys, and every key

@@ -72,8 +72,9 @@ private Q_SLOTS:
         QVERIFY(SettingsFile::write(path, options));
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(),
-                 QByteArray("0\r\n0\r\n1\r\n0\r\n122\r\n/home/\xd1\x8e\xd0\xbb\xd1\x8f\r\n\r\n"));
+        QCOMPARE(
+            file.readAll(),
+            QByteArray("0\r\n0\r\n1\r\n0\r\n122\r\n/home/\xd1\x8e\xd0\xbb\xd1\x8f\r\n\r\n1\r\n"));
     }
 
     // Names at the edges of the table; keys the options window's tests do not press.

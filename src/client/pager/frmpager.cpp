@@ -1,0 +1,120 @@
+#include "client/pager/frmpager.h"
+
+#include "client/pager/pager.h"
+#include "client/session/sessionstate.h"
+#include "client/ui/icons.h"
+#include "client/ui/picturebutton.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+
+namespace client {
+
+FrmPager::FrmPager(Pager &pager, const SessionState &session, QWidget *parent)
+    : BorderlessWindow({.objectName = "frmPager",
+                        .title = pager.title(),
+                        .size = kSize,
+                        .closeButtonName = "Picture2"},
+                       parent),
+      m_pager(pager), m_session(session)
+{
+    picUser = addControl<QLabel>("picUser", {10, 38, 150, 150});
+    picUser->setAlignment(Qt::AlignCenter);
+    txtHistory = addControl<QPlainTextEdit>("txtHistory", {170, 38, 421, 150});
+    txtHistory->setReadOnly(true);
+    txtSkicka = addControl<QLineEdit>("txtSkicka", {170, 194, 357, 24});
+    txtSkicka->installEventFilter(this);
+    Picture3 = addControl<PictureButton>("Picture3", {533, 195, 22, 22});
+    Picture3->setPicture(Icons::button(QStringLiteral("send")));
+    Picture3->setToolTip(QStringLiteral("Send"));
+    Picture4 = addControl<PictureButton>("Picture4", {563, 195, 22, 22});
+    Picture4->setPicture(Icons::button(QStringLiteral("viewstats")));
+    Picture4->setToolTip(QStringLiteral("View stats"));
+
+    connect(Picture3, &QAbstractButton::clicked, this, &FrmPager::send);
+    connect(Picture4, &QAbstractButton::clicked, &pager, &Pager::showPartnerStats);
+    connect(&pager, &Pager::titleChanged, Label2, &QLabel::setText);
+    connect(&pager, &Pager::displayChanged, this, &FrmPager::showConversation);
+    connect(&pager, &Pager::avatarChanged, this, [this](qint64 index) {
+        if (index == m_pager.current())
+            showAvatar();
+    });
+    connect(&pager, &Pager::historyAppended, this, [this](qint64 index, const QString &line) {
+        if (!m_pager.isDisplaying() || index != m_pager.current())
+            return;
+        txtHistory->moveCursor(QTextCursor::End);
+        txtHistory->insertPlainText(line);
+        txtHistory->verticalScrollBar()->setValue(txtHistory->verticalScrollBar()->maximum());
+    });
+    connect(&pager, &Pager::hideRequested, this, &QWidget::hide);
+    showConversation();
+}
+
+FrmPager::~FrmPager()
+{
+    m_pager.setShown(false);
+}
+
+void FrmPager::showConversation()
+{
+    const bool displaying = m_pager.isDisplaying();
+    txtHistory->setVisible(displaying);
+    picUser->setVisible(displaying);
+    txtHistory->setPlainText(displaying ? m_pager.history(m_pager.current()) : QString());
+    txtHistory->verticalScrollBar()->setValue(txtHistory->verticalScrollBar()->maximum());
+    showAvatar();
+}
+
+void FrmPager::showAvatar()
+{
+    const QImage picture = m_pager.avatar(m_pager.current());
+    picUser->setPixmap(picture.isNull() ? QPixmap() : QPixmap::fromImage(picture));
+}
+
+void FrmPager::send()
+{
+    if (m_pager.send(txtSkicka->text()))
+        txtSkicka->clear();
+}
+
+bool FrmPager::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == txtSkicka && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            send();
+            return true;
+        }
+    }
+    return BorderlessWindow::eventFilter(watched, event);
+}
+
+void FrmPager::closeEvent(QCloseEvent *event)
+{
+    if (m_session.exitPager) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+    txtSkicka->clear();
+    hide();
+}
+
+void FrmPager::showEvent(QShowEvent *event)
+{
+    m_pager.setShown(true);
+    BorderlessWindow::showEvent(event);
+}
+
+void FrmPager::hideEvent(QHideEvent *event)
+{
+    m_pager.setShown(false);
+    BorderlessWindow::hideEvent(event);
+}
+
+} // namespace client

@@ -1,0 +1,107 @@
+// When a private message makes a sound and when it marks its sender unread: it depends on
+// whose conversation is on display and whether the window is on the screen.
+#include "client/lobby/lobbyconnection.h"
+#include "client/lobby/lobbydispatcher.h"
+#include "client/pager/avatarloader.h"
+#include "client/pager/pager.h"
+#include "client/presence/playerlistmodel.h"
+#include "client/session/eventsounds.h"
+#include "client/session/sessionstate.h"
+#include "client/ui/icons.h"
+#include "protocol/chat.h"
+#include "support/clientfakes.h"
+#include "support/files.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace client;
+
+class TestPager : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void soundAndUnreadMark_data()
+    {
+        QTest::addColumn<bool>("shown");   // the window is on the screen
+        QTest::addColumn<QString>("from"); // the conversation on display is bob's
+        QTest::addColumn<QString>("echo");
+        QTest::addColumn<bool>("sound");
+        QTest::addColumn<bool>("unread");
+        QTest::addColumn<QString>("line"); // what bob's or ann's history gets
+
+        QTest::newRow("on display, shown") << true << "bob"
+                                           << "0" << false << false << "bob:  hi";
+        QTest::newRow("on display, hidden") << false << "bob"
+                                            << "0" << true << false << "bob:  hi";
+        QTest::newRow("other, hidden") << false << "ann"
+                                       << "0" << true << true << "ann:  hi";
+        QTest::newRow("other, shown") << true << "ann"
+                                      << "0" << false << true << "ann:  hi";
+        QTest::newRow("own copy") << false << "ann"
+                                  << "1" << false << false << "me:  hi";
+        QTest::newRow("neither own nor theirs") << false << "ann"
+                                                << "2" << false << false << "ann:  hi";
+        QTest::newRow("not listed: sound only") << false << "zed"
+                                                << "0" << true << false << "";
+    }
+
+    void soundAndUnreadMark()
+    {
+        QFETCH(bool, shown);
+        QFETCH(QString, from);
+        QFETCH(QString, echo);
+        QFETCH(bool, sound);
+        QFETCH(bool, unread);
+        QFETCH(QString, line);
+
+        QTemporaryDir game;
+        QVERIFY(writeFile(game.filePath("data/sound/A_CRHRN1.WAV")));
+        RecordingPlayer player;
+        EventSounds sounds(
+            player, [] { return true; }, [&game] { return game.path(); });
+        PlayerListModel players;
+        players.addGroupRows();
+        for (const auto &[name, id] : {std::pair{"ann", "11"}, std::pair{"bob", "12"}}) {
+            PlayerListModel::Entry entry;
+            entry.texts[PlayerListModel::Name] = name;
+            entry.texts[PlayerListModel::Index] = id;
+            entry.texts[PlayerListModel::PlayerStatus] = QStringLiteral("7");
+            entry.texts[PlayerListModel::Message] = QStringLiteral("0");
+            entry.texts[PlayerListModel::PictureLoaded] = QStringLiteral("1");
+            entry.texts[PlayerListModel::PingBild] = QString::number(Icons::OpenRoom);
+            entry.icon = Icons::OpenRoom;
+            players.addEntry(entry);
+        }
+        LobbyDispatcher dispatcher;
+        LobbyConnection connection(dispatcher);
+        SessionState session;
+        session.ownName = QStringLiteral("me");
+        ManualClock clock;
+        AvatarLoader avatars{QUrl()};
+        Pager pager(players, connection, session, SendRateGuard(session, clock), sounds, avatars);
+        pager.registerHandler(dispatcher);
+        pager.SendMessagee(QStringLiteral("bob"));
+        QCOMPARE(pager.title(), "Page bob  (Online)");
+        pager.setShown(shown);
+
+        const QByteArray message =
+            protocol::PrivateMessageToClient{from, "hi", std::nullopt}.encode();
+        // The echo field as written, whatever it is.
+        dispatcher.receive(message.chopped(1) + echo.toLatin1() + '\x0F');
+
+        QCOMPARE(player.played.size(), sound ? 1 : 0);
+        const int row = players.findEntry(from);
+        QCOMPARE(players.icon(row) == Icons::UnreadMessage, unread);
+        if (!line.isEmpty())
+            QCOMPARE(pager.history(players.text(row, PlayerListModel::Index).toLongLong()),
+                     line + "\r\n");
+        // Opening the conversation clears the mark and puts the normal icon back.
+        pager.SendMessagee(from);
+        QCOMPARE(players.icon(row) == Icons::OpenRoom, row >= 0);
+    }
+};
+
+QTEST_MAIN(TestPager)
+#include "tst_pager.moc"
