@@ -1,5 +1,5 @@
-// Two clients against the real lobby server: the player menu and buddies, private messages
-// in both directions, and the server's rate limit on them.
+// Two clients against the real lobby server: the player menu and buddies, a conversation in
+// private messages, and the limits on sending them.
 // ctest: timeout=120
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
@@ -36,10 +36,20 @@ void clickPlayer(LobbyClient &client, const QString &name, Qt::MouseButton butto
     QTest::mouseClick(list->viewport(), button, {}, list->visualRect(found.first()).center());
 }
 
-// Sends `text` from the client's pager to the partner on display, as if typed.
-void typeMessage(LobbyClient &client, const QString &text)
+// "Add buddie" (or "Remove buddie") in the menu on `name`, the question answered `answer`.
+void changeBuddy(LobbyClient &client, const QString &name, Dialogs::Answer answer)
+{
+    clickPlayer(client, name, Qt::RightButton);
+    client.dialogs.answers = {answer};
+    client.app.windows().frmMenu()->mnuAddBuddie->trigger();
+}
+
+// Sends `text` from the client's pager to the partner on display, as if typed, ten seconds
+// after the last one so that the client lets it through.
+void typeMessage(LobbyClient &client, const QString &text, int afterSeconds = 10)
 {
     FrmPager *pager = client.app.windows().frmPager();
+    client.clock.advanceSeconds(afterSeconds);
     pager->txtSkicka->setText(text);
     QTest::mouseClick(pager->Picture3, Qt::LeftButton);
 }
@@ -54,12 +64,12 @@ QString historyWith(LobbyClient &client, const QString &name)
                : client.app.pager().history(players.text(row, PlayerListModel::Index).toLongLong());
 }
 
-// Both log in and see each other in the lobby.
-bool meet(LobbyClient &a, LobbyClient &b, const QString &nameA, const QString &nameB)
+// Goes away and waits until `watcher` sees it: by then the server has handled all the client
+// sent before.
+void roundTrip(LobbyClient &client, LobbyClient &watcher)
 {
-    return a.app.start() && b.app.start() &&
-           waitUntil([&] { return !a.statusOf(nameB).isEmpty() && !b.statusOf(nameA).isEmpty(); },
-                     10000);
+    client.app.connection().send(protocol::PlayerStatusToServer{Presence::Away, {}});
+    QTRY_COMPARE(watcher.statusOf(client.name), "1");
 }
 
 } // namespace
@@ -72,214 +82,161 @@ private:
     ServerProcess m_server;
     QTemporaryDir m_serverHome;
     int m_pair = 0;
-
-    // Names no other test has used, so that buddy lists and rate limits start empty.
-    std::pair<QString, QString> freshNames()
-    {
-        ++m_pair;
-        return {QStringLiteral("ann%1").arg(m_pair), QStringLiteral("bob%1").arg(m_pair)};
-    }
+    // Each test's two players, logged in, under names no other test has used so that buddy
+    // lists and rate limits start empty.
+    std::unique_ptr<LobbyClient> ann, bob;
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(startOpenLobby(m_server, m_serverHome)); }
 
+    void init()
+    {
+        ++m_pair;
+        ann = std::make_unique<LobbyClient>(QStringLiteral("ann%1").arg(m_pair), m_server);
+        bob = std::make_unique<LobbyClient>(QStringLiteral("bob%1").arg(m_pair), m_server);
+        QVERIFY(logIn({ann.get(), bob.get()}));
+    }
+
+    void cleanup()
+    {
+        ann.reset();
+        bob.reset();
+    }
+
     void menuFollowsThePlayer_data()
     {
-        QTest::addColumn<bool>("onSelf");
         QTest::addColumn<bool>("buddy");
-        QTest::addColumn<int>("presence");
+        QTest::addColumn<Presence>("presence");
         QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("code");
-        QTest::addColumn<QString>("buddyCaption");
-        QTest::addColumn<bool>("gameEntries");
         QTest::addColumn<bool>("notifications"); // the buddy-notification option
+        QTest::addColumn<QString>("code");
+        QTest::addColumn<bool>("gameEntries");
 
-        QTest::newRow("oneself: no menu") << true << false << 3 << ""
-                                          << "7"
-                                          << "" << false << true;
-        QTest::newRow("lobby") << false << false << 3 << ""
-                               << "7"
-                               << "Add buddie" << false << true;
-        QTest::newRow("buddy in a game") << false << true << 2 << "10.0.0.5"
-                                         << "5"
-                                         << "Remove buddie" << true << true;
-        QTest::newRow("buddy in a game, not told") << false << true << 2 << "10.0.0.5"
-                                                   << "5"
-                                                   << "Remove buddie" << true << false;
-        QTest::newRow("game without address") << false << false << 2 << ""
-                                              << "4"
-                                              << "Add buddie" << false << true;
-        QTest::newRow("away") << false << false << 1 << ""
-                              << "1"
-                              << "Add buddie" << false << true;
+        QTest::newRow("lobby") << false << Presence::Lobby << "" << true << "7" << false;
+        QTest::newRow("away") << false << Presence::Away << "" << true << "1" << false;
+        QTest::newRow("game without address")
+            << false << Presence::Playing << "" << true << "4" << false;
+        QTest::newRow("buddy in a game")
+            << true << Presence::Playing << "10.0.0.5" << true << "5" << true;
+        QTest::newRow("buddy in a game, not told")
+            << true << Presence::Playing << "10.0.0.5" << false << "5" << true;
     }
 
     void menuFollowsThePlayer()
     {
-        QFETCH(bool, onSelf);
         QFETCH(bool, buddy);
-        QFETCH(int, presence);
+        QFETCH(Presence, presence);
         QFETCH(QString, address);
-        QFETCH(QString, code);
-        QFETCH(QString, buddyCaption);
-        QFETCH(bool, gameEntries);
         QFETCH(bool, notifications);
-        const auto [annName, bobName] = freshNames();
-        LobbyClient ann(annName, m_server);
-        LobbyClient bob(bobName, m_server);
-        QVERIFY(meet(ann, bob, annName, bobName));
-        ann.app.options().setBuddyNotifications(notifications);
+        QFETCH(QString, code);
+        QFETCH(bool, gameEntries);
+        FrmMenu *menu = ann->app.windows().frmMenu();
+        clickPlayer(*ann, ann->name, Qt::RightButton);
+        QVERIFY(!menu->mnuChatPopup->isVisible()); // none on oneself
 
+        ann->app.options().setBuddyNotifications(notifications);
         if (buddy) {
-            clickPlayer(ann, bobName, Qt::RightButton);
-            ann.dialogs.answers = {Dialogs::Answer::Yes};
-            ann.app.windows().frmMenu()->mnuAddBuddie->trigger();
-            QCOMPARE(ann.dialogs.asked.last(),
-                     "Do you want to add '" + bobName + "' to your buddylist? [Yes/No]");
-            QCOMPARE(ann.statusOf(bobName), "8");
+            changeBuddy(*ann, bob->name, Dialogs::Answer::Yes);
+            QCOMPARE(ann->dialogs.asked.last(),
+                     "Do you want to add '" + bob->name + "' to your buddylist? [Yes/No]");
         }
-        bob.app.connection().send(protocol::PlayerStatusToServer{Presence(presence), address});
-        QTRY_COMPARE(ann.statusOf(bobName), code);
+        bob->app.connection().send(protocol::PlayerStatusToServer{presence, address});
+        QTRY_COMPARE(ann->statusOf(bob->name), code);
         // A buddy going into a game is told on the desktop, if the user wants that.
-        const bool told = notifications && buddy && presence == 2;
-        QCOMPARE(ann.tray.messages,
-                 told ? QStringList{"QUORVEL: " + bobName + " has started a game"} : QStringList());
+        const bool told = notifications && buddy && presence == Presence::Playing;
+        QCOMPARE(ann->tray.messages,
+                 told ? QStringList{"QUORVEL: " + bob->name + " has started a game"}
+                      : QStringList());
 
-        clickPlayer(ann, onSelf ? annName : bobName, Qt::RightButton);
-        FrmMenu *menu = ann.app.windows().frmMenu();
-        QCOMPARE(menu->mnuChatPopup->isVisible(), !onSelf);
-        if (onSelf)
-            return;
+        clickPlayer(*ann, bob->name, Qt::RightButton);
+        QVERIFY(menu->mnuChatPopup->isVisible());
         QCOMPARE(menu->mnuPrivateMessage->text(), "Send PM");
         QVERIFY(menu->mnuViewStats->isEnabled());
-        QCOMPARE(menu->mnuAddBuddie->text(), buddyCaption);
+        QCOMPARE(menu->mnuAddBuddie->text(), buddy ? "Remove buddie" : "Add buddie");
         QCOMPARE(menu->mnuGameInfo->isEnabled(), gameEntries);
         QCOMPARE(menu->mnuJoinGame->isEnabled(), gameEntries);
         menu->mnuChatPopup->hide();
     }
 
-    // Buddies are kept by the server: a new login shows them bold and above the others, and
-    // a removed one as a plain player again. Answering No changes nothing.
+    // Buddies are kept by the server: the next login shows one bold and above the others, and
+    // a removed one plain again. Answering No changes nothing.
     void buddiesSurviveANewLogin()
     {
-        const auto [annName, bobName] = freshNames();
-        LobbyClient bob(bobName, m_server);
-        for (const auto &[answers, expected] : {std::pair{QList{Dialogs::Answer::No}, "7"},
-                                                std::pair{QList{Dialogs::Answer::Yes}, "8"},
-                                                std::pair{QList{Dialogs::Answer::Yes}, "7"}}) {
-            LobbyClient ann(annName, m_server);
-            QVERIFY(meet(ann, bob, annName, bobName));
-            clickPlayer(ann, bobName, Qt::RightButton);
-            ann.dialogs.answers = answers;
-            ann.app.windows().frmMenu()->mnuAddBuddie->trigger();
-            QCOMPARE(ann.statusOf(bobName), expected);
-            const int row = ann.app.players().findEntry(bobName);
-            QCOMPARE(ann.app.players().isBold(row), QString(expected) == "8");
-            // A buddy already online at the login is no news.
-            QVERIFY(ann.tray.messages.isEmpty());
-            // The next login is a new client; the server has the change by then, since
-            // a message behind it on the same connection has come back.
-            ann.app.connection().send(protocol::PlayerStatusToServer{Presence::Away, {}});
-            QTRY_COMPARE(bob.statusOf(annName), "1");
-            bob.app.players().clearList(); // forget ann, so `meet` waits for her next login
+        for (const auto &[answer, expected] :
+             {std::pair{Dialogs::Answer::No, "7"}, std::pair{Dialogs::Answer::Yes, "8"},
+              std::pair{Dialogs::Answer::Yes, "7"}}) {
+            changeBuddy(*ann, bob->name, answer);
+            roundTrip(*ann, *ann); // the server has the change before the next login
+            ann = std::make_unique<LobbyClient>(ann->name, m_server);
+            QVERIFY(logIn({ann.get()}));
+            QTRY_COMPARE(ann->statusOf(bob->name), expected);
+            const int row = ann->app.players().findEntry(bob->name);
+            QCOMPARE(ann->app.players().isBold(row), QString(expected) == "8");
+            QVERIFY(ann->tray.messages.isEmpty()); // a buddy online at the login is no news
         }
-        LobbyClient ann(annName, m_server);
-        QVERIFY(meet(ann, bob, annName, bobName));
-        QCOMPARE(ann.statusOf(bobName), "7");
     }
 
-    void privateMessagesBothWays()
+    // A message opens nothing on the receiver but sounds and marks the sender unread; opening
+    // the conversation clears the mark, and the reply reaches the sender's open window quietly.
+    // The partner leaving hides the window, and what is sent to him then goes nowhere.
+    void aConversation()
     {
-        const auto [annName, bobName] = freshNames();
-        LobbyClient ann(annName, m_server);
-        LobbyClient bob(bobName, m_server);
-        QVERIFY(meet(ann, bob, annName, bobName));
-
-        clickPlayer(ann, bobName, Qt::LeftButton);
-        FrmPager *annPager = ann.app.windows().frmPager();
+        clickPlayer(*ann, bob->name, Qt::LeftButton);
+        FrmPager *annPager = ann->app.windows().frmPager();
         QVERIFY(annPager->isVisible());
-        QCOMPARE(annPager->Label2->text(), "Page " + bobName + "  (Online)");
-        ann.clock.advanceSeconds(10);
-        typeMessage(ann, QStringLiteral("  hello there "));
+        QCOMPARE(annPager->Label2->text(), "Page " + bob->name + "  (Online)");
+        typeMessage(*ann, QStringLiteral("  hello there "));
         QVERIFY(annPager->txtSkicka->text().isEmpty());
 
-        // The receiver hears it, and the sender's entry is marked unread; the sender sees the
-        // server's copy under his own name.
-        const QString line = annName + ":  hello there\r\n";
-        QTRY_COMPARE(historyWith(bob, annName), line);
-        QTRY_COMPARE(historyWith(ann, bobName), line);
+        // The sender sees the server's copy under his own name.
+        const QString line = ann->name + ":  hello there\r\n";
+        QTRY_COMPARE(historyWith(*bob, ann->name), line);
+        QTRY_COMPARE(historyWith(*ann, bob->name), line);
         const auto pagerSounds = [](LobbyClient &client) {
             return client.player.played.filter(QStringLiteral("A_CRHRN1.WAV")).size();
         };
-        QCOMPARE(pagerSounds(bob), 1);
-        const int annRow = bob.app.players().findEntry(annName);
-        QCOMPARE(bob.app.players().icon(annRow), int(Icons::UnreadMessage));
+        QCOMPARE(pagerSounds(*bob), 1);
+        PlayerListModel &bobsList = bob->app.players();
+        QCOMPARE(bobsList.icon(bobsList.findEntry(ann->name)), int(Icons::UnreadMessage));
 
-        // Opening the conversation clears the mark; the reply reaches the open window quietly.
-        clickPlayer(bob, annName, Qt::LeftButton);
-        QCOMPARE(bob.app.players().icon(bob.app.players().findEntry(annName)),
-                 int(Icons::OpenRoom));
-        QCOMPARE(bob.app.windows().frmPager()->txtHistory->toPlainText(),
-                 QString(line).replace("\r\n", "\n"));
+        clickPlayer(*bob, ann->name, Qt::LeftButton);
+        QCOMPARE(bobsList.icon(bobsList.findEntry(ann->name)), int(Icons::OpenRoom));
+        FrmPager *bobPager = bob->app.windows().frmPager();
+        QCOMPARE(bobPager->txtHistory->toPlainText(), QString(line).replace("\r\n", "\n"));
         // The partner's avatar comes from the lobby's own avatar pages.
-        QTRY_COMPARE(bob.app.windows().frmPager()->picUser->pixmap().size(), QSize(150, 150));
-        bob.clock.advanceSeconds(10);
-        typeMessage(bob, QStringLiteral("hi"));
-        QTRY_VERIFY(historyWith(ann, bobName).endsWith(bobName + ":  hi\r\n"));
-        QVERIFY(annPager->txtHistory->toPlainText().endsWith(bobName + ":  hi\n"));
-        QCOMPARE(pagerSounds(ann), 0);
-    }
+        QTRY_COMPARE(bobPager->picUser->pixmap().size(), QSize(150, 150));
+        typeMessage(*bob, QStringLiteral("hi"));
+        const QString both = line + bob->name + ":  hi\r\n";
+        QTRY_COMPARE(historyWith(*ann, bob->name), both);
+        QCOMPARE(annPager->txtHistory->toPlainText(), QString(both).replace("\r\n", "\n"));
+        QCOMPARE(pagerSounds(*ann), 0);
 
-    // The other player leaving hides the window on him; what is sent to him afterwards goes
-    // nowhere, and the window opens again on the same history.
-    void partnerLeaving()
-    {
-        const auto [annName, bobName] = freshNames();
-        LobbyClient ann(annName, m_server);
-        auto bob = std::make_unique<LobbyClient>(bobName, m_server);
-        QVERIFY(meet(ann, *bob, annName, bobName));
-        clickPlayer(ann, bobName, Qt::LeftButton);
-        FrmPager *pager = ann.app.windows().frmPager();
-        ann.clock.advanceSeconds(10);
-        typeMessage(ann, QStringLiteral("bye?"));
-        QTRY_VERIFY(!historyWith(ann, bobName).isEmpty());
-        const qint64 bobIndex = ann.app.pager().current();
-
+        const qint64 bobIndex = ann->app.pager().current();
         bob.reset();
-        QTRY_VERIFY(!pager->isVisible());
-        pager->show();
-        ann.clock.advanceSeconds(10);
-        typeMessage(ann, QStringLiteral("still there?"));
-        QVERIFY(pager->txtSkicka->text().isEmpty());
-        ann.app.connection().send(protocol::PlayerStatusToServer{Presence::Away, {}});
-        QTRY_COMPARE(ann.statusOf(annName), "1");
-        QCOMPARE(ann.app.pager().history(bobIndex), annName + ":  bye?\r\n");
-        QCOMPARE(pager->txtHistory->toPlainText(), annName + ":  bye?\n");
+        QTRY_VERIFY(!annPager->isVisible());
+        annPager->show();
+        typeMessage(*ann, QStringLiteral("still there?"));
+        QVERIFY(annPager->txtSkicka->text().isEmpty());
+        roundTrip(*ann, *ann);
+        QCOMPARE(ann->app.pager().history(bobIndex), both);
     }
 
     // The client lets one message through per more than three seconds; the server at most five
     // in ten seconds, counted with the lobby chat.
     void rateLimits()
     {
-        const auto [annName, bobName] = freshNames();
-        LobbyClient ann(annName, m_server);
-        LobbyClient bob(bobName, m_server);
-        QVERIFY(meet(ann, bob, annName, bobName));
-        clickPlayer(ann, bobName, Qt::LeftButton);
-        FrmPager *pager = ann.app.windows().frmPager();
-
+        clickPlayer(*ann, bob->name, Qt::LeftButton);
+        FrmPager *pager = ann->app.windows().frmPager();
         for (int n = 1; n <= 6; ++n) {
-            ann.clock.advanceSeconds(4);
-            typeMessage(ann, QString::number(n));
+            typeMessage(*ann, QString::number(n), 4);
             QVERIFY(pager->txtSkicka->text().isEmpty());
         }
-        typeMessage(ann, QStringLiteral("too soon"));
+        typeMessage(*ann, QStringLiteral("too soon"), 0);
         QCOMPARE(pager->txtSkicka->text(), "too soon");
 
-        ann.app.connection().send(protocol::PlayerStatusToServer{Presence::Away, {}});
-        QTRY_COMPARE(bob.statusOf(annName), "1");
-        QCOMPARE(historyWith(bob, annName).count('\n'), 5);
-        QVERIFY(!historyWith(bob, annName).contains(annName + ":  6"));
+        roundTrip(*ann, *bob);
+        QCOMPARE(historyWith(*bob, ann->name).count('\n'), 5);
+        QVERIFY(!historyWith(*bob, ann->name).contains(ann->name + ":  6"));
     }
 };
 

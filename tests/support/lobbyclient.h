@@ -27,7 +27,8 @@ struct LobbyClient : AppHarness
     LobbyClient(const QString &name, const ServerProcess &server)
         : AppHarness({.lobby = {QStringLiteral("127.0.0.1"), server.port()},
                       .web = {},
-                      .avatars = QStringLiteral("http://127.0.0.1:%1").arg(server.webPort())})
+                      .avatars = QStringLiteral("http://127.0.0.1:%1").arg(server.webPort())}),
+          name(name)
     {
         const QString game = home.filePath("RogueSpear");
         writeFile(game + "/data/sound/A_CRHRN1.WAV");
@@ -36,12 +37,31 @@ struct LobbyClient : AppHarness
         client::CredentialsFile::write(dataFolder() + "/user.txt", {name, "pw-" + name});
     }
 
+    const QString name;
+
     // The status code of a player's entry ("7" in the lobby, "8" a buddy there, "1" away...);
     // "" while he is not listed.
-    QString statusOf(const QString &name)
+    QString statusOf(const QString &player)
     {
         client::PlayerListModel &players = app.players();
-        const int row = players.findEntry(name);
+        const int row = players.findEntry(player);
         return row < 0 ? QString() : players.text(row, client::PlayerListModel::PlayerStatus);
     }
 };
+
+// Starts the clients; whether each then lists all of them, itself included, within 10 s.
+inline bool logIn(const QList<LobbyClient *> &clients)
+{
+    for (LobbyClient *client : clients)
+        if (!client->app.start())
+            return false;
+    return waitUntil(
+        [&] {
+            for (LobbyClient *client : clients)
+                for (LobbyClient *other : clients)
+                    if (client->statusOf(other->name).isEmpty())
+                        return false;
+            return true;
+        },
+        10000);
+}

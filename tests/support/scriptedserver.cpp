@@ -11,10 +11,15 @@ ScriptedServer::ScriptedServer(QObject *parent) : QObject(parent)
                 m_client->deleteLater();
             m_client = socket;
             m_received.clear();
+            m_written = 0;
             ++m_connections;
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
                 if (socket == m_client)
                     m_received += socket->readAll();
+            });
+            connect(socket, &QTcpSocket::bytesWritten, this, [this, socket](qint64 bytes) {
+                if (socket == m_client)
+                    m_written += bytes;
             });
         }
     });

@@ -35,11 +35,14 @@ public:
     void stopAnswering();
 
     QByteArray received() const { return m_received; }
+    // How many bytes of what was sent the current connection has taken so far.
+    qint64 written() const { return m_written; }
 
 private:
     QTcpServer m_server;
     QPointer<QTcpSocket> m_client;
     QTcpSocket m_backlogFiller;
     QByteArray m_received;
+    qint64 m_written = 0;
     int m_connections = 0;
 };

@@ -114,7 +114,9 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
 
 ClientApplication::~ClientApplication()
 {
-    // The parts drive the main window's controls, so they go before the window does.
+    // The windows watch the parts, so they go first; the parts drive the main window's
+    // controls, so they go before the window does.
+    delete m_windows;
     const QObjectList parts = children();
     qDeleteAll(parts);
 }
