@@ -57,7 +57,7 @@ const char *const kSchemaV2[] = {
     " own_p3 REAL NOT NULL DEFAULT 0,"
     " UNIQUE (uploader_id, round_key))",
     "CREATE INDEX stats_uploads_counted ON stats_uploads"
-    " (uploader_id, id, game_type, own_p1, own_p2, own_p3) WHERE own_index > 0",
+    " (uploader_id, id, game_type, own_p1, own_p2, own_p3, own_index) WHERE own_index > 0",
     "CREATE TABLE stats_records ("
     " upload_id INTEGER NOT NULL REFERENCES stats_uploads(id),"
     " position INTEGER NOT NULL,"
