@@ -579,6 +579,7 @@ std::pair<int, qsizetype> fetchPage(quint16 port, const QByteArray &path)
 //   player_p50_ms, player_max_ms   "/?p=stats&id=1"
 //   front_kb                       the size of "/" with everyone listed
 //   pages_failed                   fetches without a 200 answer (target: 0)
+//   chat_p50_ms                    delivery of the chat lines meanwhile
 void BM_PagesUnderLoad(benchmark::State &state)
 {
     const int n = g_settings.clients;
@@ -619,11 +620,14 @@ void BM_PagesUnderLoad(benchmark::State &state)
         const qint64 intervalNs = 1'000'000'000LL / g_settings.rate;
         const qint64 startNs = g_clock.nsecsElapsed();
         const qint64 endNs = startNs + qint64(g_settings.chatSeconds) * 1'000'000'000LL;
+        const int lines = g_settings.rate * g_settings.chatSeconds;
+        chat.sentNs.assign(std::size_t(lines), 0);
         const auto pace = [&] {
-            if (g_clock.nsecsElapsed() < startNs + sent * intervalNs)
+            if (sent >= lines || g_clock.nsecsElapsed() < startNs + sent * intervalNs)
                 return;
+            chat.sentNs[std::size_t(sent)] = g_clock.nsecsElapsed();
             clients[std::size_t((sent * 97) % n)]->send(
-                protocol::ChatLineToServer{QStringLiteral("p%1").arg(sent)}.encode());
+                protocol::ChatLineToServer{QStringLiteral("c%1").arg(sent)}.encode());
             ++sent;
         };
         while (g_clock.nsecsElapsed() < endNs) {
@@ -648,6 +652,8 @@ void BM_PagesUnderLoad(benchmark::State &state)
         state.counters["front_kb"] = frontKb;
         state.counters["pages_fetched"] = double(front.size() + player.size());
         state.counters["pages_failed"] = failed;
+        // The chat's delivery meanwhile: whether the pages wait for the lobby or for themselves.
+        state.counters["chat_p50_ms"] = percentile(chat.latenciesMs, 0.50);
 
         clients.clear();
         ::close(epoll);
