@@ -11,13 +11,15 @@
 //   server_peak_mb   the server's peak resident memory (password hashing included)
 //   generator_busy_ms  this program's own time handling deliveries during the chat, to show
 //                    that the latencies are the server's
-// Two further rows, BM_LobbyLoadHostile and BM_RestartStorm, are described at their code.
+// Further rows, BM_LobbyLoadHostile, BM_RestartStorm and BM_PagesUnderLoad, are described at
+// their code.
 // Options before the benchmark's own: --clients=N (default 2000), --rate=R (20),
 // --chat-seconds=S (10), --server=PATH.
 #include "protocol/chat.h"
 #include "protocol/framebuffer.h"
 #include "protocol/login.h"
 #include "protocol/presence.h"
+#include "protocol/stats.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -255,8 +257,9 @@ double percentile(std::vector<double> &values, double p)
 }
 
 // Starts the server on `db`; its lobby port, 0 when it did not start. All clients connect from
-// one loopback address, hence the raised cap on connections per address.
-quint16 startServer(QProcess &server, const QString &db)
+// one loopback address, hence the raised cap on connections per address. `webPort`, when
+// given, receives the port of the web pages.
+quint16 startServer(QProcess &server, const QString &db, quint16 *webPort = nullptr)
 {
     server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     server.start(g_settings.server, {"--port", "0", "--http-port", "0", "--listen", "127.0.0.1",
@@ -264,14 +267,19 @@ quint16 startServer(QProcess &server, const QString &db)
                                      "--max-connections-per-address", "100000"});
     QByteArray out;
     static const QRegularExpression listening(QStringLiteral("lobby listening on .*:(\\d+)\\n"));
+    static const QRegularExpression web(QStringLiteral("web listening on .*:(\\d+)\\n"));
     QElapsedTimer waited;
     waited.start();
     while (server.state() != QProcess::NotRunning && waited.elapsed() < 10000) {
         server.waitForReadyRead(50);
         out += server.readAllStandardOutput();
         const auto match = listening.match(QString::fromUtf8(out));
-        if (match.hasMatch())
+        const auto webMatch = web.match(QString::fromUtf8(out));
+        if (match.hasMatch() && (!webPort || webMatch.hasMatch())) {
+            if (webPort)
+                *webPort = webMatch.captured(1).toUShort();
             return match.captured(1).toUShort();
+        }
     }
     return 0;
 }
@@ -517,9 +525,135 @@ void BM_RestartStorm(benchmark::State &state)
     }
 }
 
+// A blocking GET of `path` from the web pages on `port`: the status (0: no answer within 10 s)
+// and the body's size.
+std::pair<int, qsizetype> fetchPage(quint16 port, const QByteArray &path)
+{
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    timeval timeout{10, 0};
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    QByteArray reply;
+    if (::connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0) {
+        const QByteArray request =
+            "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n";
+        ::send(fd, request.constData(), size_t(request.size()), MSG_NOSIGNAL);
+        char chunk[65536];
+        qsizetype expected = -1;
+        for (;;) {
+            const ssize_t n = ::recv(fd, chunk, sizeof chunk, 0);
+            if (n <= 0)
+                break;
+            reply.append(chunk, n);
+            const qsizetype headerEnd = reply.indexOf("\r\n\r\n");
+            if (expected < 0 && headerEnd >= 0) {
+                static const QRegularExpression length(
+                    QStringLiteral("\r\ncontent-length: *(\\d+)"),
+                    QRegularExpression::CaseInsensitiveOption);
+                const auto match = length.match(QString::fromLatin1(reply.left(headerEnd)));
+                if (match.hasMatch())
+                    expected = headerEnd + 4 + match.captured(1).toLongLong();
+            }
+            if (expected >= 0 && reply.size() >= expected)
+                break;
+        }
+    }
+    ::close(fd);
+    const qsizetype headerEnd = reply.indexOf("\r\n\r\n");
+    if (!reply.startsWith("HTTP/1.1 ") || headerEnd < 0)
+        return {0, 0};
+    return {reply.mid(9, 3).toInt(), reply.size() - headerEnd - 4};
+}
+
+// The web pages while N clients are logged in: every client uploads a round, then for
+// --chat-seconds chat lines flow at --rate per second while "/" (every player online, the
+// leaderboard) and a player's page are fetched in turn, each timed from connect to last byte.
+// Counters:
+//   front_p50_ms, front_max_ms     "/" (target: well under a second)
+//   player_p50_ms, player_max_ms   "/?p=stats&id=1"
+//   front_kb                       the size of "/" with everyone listed
+//   pages_failed                   fetches without a 200 answer (target: 0)
+void BM_PagesUnderLoad(benchmark::State &state)
+{
+    const int n = g_settings.clients;
+    for (auto _ : state) {
+        QTemporaryDir dir;
+        QProcess server;
+        quint16 webPort = 0;
+        const quint16 port = startServer(server, dir.filePath("load.sqlite"), &webPort);
+        if (port == 0 || webPort == 0) {
+            state.SkipWithError("the server or its web pages did not start");
+            return;
+        }
+        const int epoll = ::epoll_create1(EPOLL_CLOEXEC);
+        ChatRecord chat;
+        std::vector<std::unique_ptr<LoadClient>> clients = makeClients(n, chat);
+        state.counters["login_failed"] = logIn(clients, n, port, epoll, 32, 600000);
+        for (int i = 0; i < n; ++i) {
+            protocol::StatsUpload upload{1,
+                                         QStringLiteral("Round %1").arg(i),
+                                         QStringLiteral("Survival"),
+                                         QStringLiteral("Map"),
+                                         {}};
+            upload.records.append({QString::number(i % 30), QStringLiteral("load%1").arg(i),
+                                   QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("4"),
+                                   QStringLiteral("5"), QStringLiteral("6"), QStringLiteral("8"),
+                                   QStringLiteral("x")});
+            clients[std::size_t(i)]->send(upload.encode());
+        }
+
+        std::vector<double> front;
+        std::vector<double> player;
+        int failed = 0;
+        double frontKb = 0;
+        int sent = 0;
+        const qint64 intervalNs = 1'000'000'000LL / g_settings.rate;
+        const qint64 startNs = g_clock.nsecsElapsed();
+        const qint64 endNs = startNs + qint64(g_settings.chatSeconds) * 1'000'000'000LL;
+        const auto pace = [&] {
+            if (g_clock.nsecsElapsed() < startNs + sent * intervalNs)
+                return;
+            clients[std::size_t((sent * 97) % n)]->send(
+                protocol::ChatLineToServer{QStringLiteral("p%1").arg(sent)}.encode());
+            ++sent;
+        };
+        while (g_clock.nsecsElapsed() < endNs) {
+            for (const bool isFront : {true, false}) {
+                QElapsedTimer timer;
+                timer.start();
+                const auto [status, size] =
+                    fetchPage(webPort, isFront ? QByteArray("/") : QByteArray("/?p=stats&id=1"));
+                (isFront ? front : player).push_back(double(timer.nsecsElapsed()) / 1e6);
+                failed += status == 200 ? 0 : 1;
+                if (isFront)
+                    frontKb = double(size) / 1024.0;
+                pollUntil(
+                    epoll, [] { return false; }, pace, 100);
+            }
+        }
+        state.counters["clients"] = stillLoggedIn(clients);
+        state.counters["front_p50_ms"] = percentile(front, 0.50);
+        state.counters["front_max_ms"] = percentile(front, 1.0);
+        state.counters["player_p50_ms"] = percentile(player, 0.50);
+        state.counters["player_max_ms"] = percentile(player, 1.0);
+        state.counters["front_kb"] = frontKb;
+        state.counters["pages_fetched"] = double(front.size() + player.size());
+        state.counters["pages_failed"] = failed;
+
+        clients.clear();
+        ::close(epoll);
+        server.kill();
+        server.waitForFinished(5000);
+    }
+}
+
 BENCHMARK(BM_LobbyLoad)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_LobbyLoadHostile)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_RestartStorm)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_PagesUnderLoad)->Iterations(1)->Unit(benchmark::kSecond);
 
 // Takes this program's own options out of argv before the benchmark library sees them.
 void takeSettings(int &argc, char **argv)

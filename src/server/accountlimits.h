@@ -28,6 +28,10 @@ public:
     static constexpr RateRule kBuddies{10, 10'000};
     // Wrong passwords for locked rooms: someone who mistypes tries again, a guesser waits.
     static constexpr RateRule kRoomPasswords{5, 60'000};
+    // Statistics uploads, each a write: one per round played, sometimes twice.
+    static constexpr RateRule kStatsUploads{10, 60'000};
+    // Statistics resets: the in-game hot key repeats twice a second while held.
+    static constexpr RateRule kStatsResets{10, 10'000};
 
     explicit AccountLimits(const Clock &clock);
 

@@ -13,7 +13,10 @@ namespace {
 QAtomicInteger<int> s_connectionCounter;
 
 // Version 1: accounts with a case-folded unique key, buddy lists, diagnostics.
-const char *const kTables[] = {"accounts", "buddies", "diagnostics"};
+// Version 2: statistics: uploaded rounds and their player records, resets, running totals
+// for the leaderboard, and uploads rejected as malformed.
+const char *const kTables[] = {"accounts",      "buddies",      "diagnostics",  "stats_uploads",
+                               "stats_records", "stats_resets", "stats_totals", "stats_rejected"};
 
 const char *const kSchemaV1[] = {
     "CREATE TABLE accounts ("
@@ -34,6 +37,52 @@ const char *const kSchemaV1[] = {
     " sender_id INTEGER NOT NULL REFERENCES accounts(id),"
     " received TEXT NOT NULL,"
     " text TEXT NOT NULL)",
+};
+
+// A round is kept once per uploader (round_key identifies its content, whoever sent it). The
+// uploader's own record is copied into own_p1..own_p3 so that his figures are summed from
+// one covering index; stats_totals holds the same sums since his last reset, for ranking.
+const char *const kSchemaV2[] = {
+    "CREATE TABLE stats_uploads ("
+    " id INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " uploader_id INTEGER NOT NULL REFERENCES accounts(id),"
+    " received TEXT NOT NULL,"
+    " round_key BLOB NOT NULL,"
+    " own_index INTEGER NOT NULL,"
+    " game_type TEXT NOT NULL,"
+    " header_a TEXT NOT NULL,"
+    " header_b TEXT NOT NULL,"
+    " own_p1 REAL NOT NULL DEFAULT 0,"
+    " own_p2 REAL NOT NULL DEFAULT 0,"
+    " own_p3 REAL NOT NULL DEFAULT 0,"
+    " UNIQUE (uploader_id, round_key))",
+    "CREATE INDEX stats_uploads_counted ON stats_uploads"
+    " (uploader_id, id, game_type, own_p1, own_p2, own_p3, own_index) WHERE own_index > 0",
+    "CREATE TABLE stats_records ("
+    " upload_id INTEGER NOT NULL REFERENCES stats_uploads(id),"
+    " position INTEGER NOT NULL,"
+    " p1 TEXT NOT NULL, name TEXT NOT NULL, p2 TEXT NOT NULL, p3 TEXT NOT NULL,"
+    " p4 TEXT NOT NULL, p5 TEXT NOT NULL, p6 TEXT NOT NULL, p8 TEXT NOT NULL,"
+    " p7 TEXT NOT NULL,"
+    " PRIMARY KEY (upload_id, position)) WITHOUT ROWID",
+    "CREATE TABLE stats_resets ("
+    " id INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " account_id INTEGER NOT NULL REFERENCES accounts(id),"
+    " at TEXT NOT NULL,"
+    " last_upload_id INTEGER NOT NULL)",
+    "CREATE INDEX stats_resets_by_account ON stats_resets (account_id, id)",
+    "CREATE TABLE stats_totals ("
+    " account_id INTEGER PRIMARY KEY REFERENCES accounts(id),"
+    " rounds INTEGER NOT NULL,"
+    " p1 REAL NOT NULL, p2 REAL NOT NULL, p3 REAL NOT NULL)",
+    "CREATE INDEX stats_totals_rank ON stats_totals (rounds DESC, p3 DESC, account_id)",
+    "CREATE TABLE stats_rejected ("
+    " id INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " sender_id INTEGER NOT NULL REFERENCES accounts(id),"
+    " received TEXT NOT NULL,"
+    " reason TEXT NOT NULL,"
+    " upload TEXT NOT NULL)",
+    "CREATE INDEX stats_rejected_by_sender ON stats_rejected (sender_id, id)",
 };
 } // namespace
 
@@ -164,6 +213,14 @@ bool Database::migrate()
     }
     if (version < 1) {
         for (const char *statement : kSchemaV1) {
+            if (!exec(QString::fromLatin1(statement))) {
+                db.rollback();
+                return false;
+            }
+        }
+    }
+    if (version < 2) {
+        for (const char *statement : kSchemaV2) {
             if (!exec(QString::fromLatin1(statement))) {
                 db.rollback();
                 return false;

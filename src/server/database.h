@@ -30,7 +30,7 @@ public:
 
     QSqlDatabase handle() const { return QSqlDatabase::database(m_connectionName, false); }
 
-    static constexpr int kSchemaVersion = 1;
+    static constexpr int kSchemaVersion = 2;
 
 private:
     bool exec(const QString &statement);

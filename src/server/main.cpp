@@ -11,6 +11,9 @@
 #include "server/publisheddownload.h"
 #include "server/serverlog.h"
 #include "server/serveroptions.h"
+#include "server/statshandler.h"
+#include "server/statspages.h"
+#include "server/statsstore.h"
 #include "server/webserver.h"
 
 #include <QCoreApplication>
@@ -35,9 +38,12 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     server::AccountStore accounts(database);
     server::BuddyStore buddies(database);
     server::DiagnosticStore diagnostics(database);
+    server::StatsStore stats(database);
     server::PasswordWorker passwords(options.hashCost);
     server::SteadyClock clock;
     server::LobbyServer lobby(options.lobby, accounts, buddies, diagnostics, passwords, clock);
+    server::StatsHandler statsHandler(stats, lobby.limits());
+    statsHandler.registerWith(lobby.router());
     if (!lobby.listen(options.listenAddress, options.port)) {
         err << "quorvel-server: cannot listen on " << options.listenAddress.toString() << ':'
             << options.port << ": " << lobby.errorString() << '\n';
@@ -51,6 +57,8 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     server::WebServer web;
     server::PublishedDownload(options.publishFile).addRoutes(web.http());
     const server::AvatarPages avatars(web);
+    const server::StatsPages pages(lobby.lobby(), lobby.rooms(), accounts, stats);
+    pages.addRoutes(web);
     if (web.listen(options.listenAddress, options.httpPort))
         out << "web listening on " << shown << ':' << web.serverPort() << Qt::endl;
     else

@@ -2,6 +2,9 @@
 
 #include "protocol/wiremessage.h"
 
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+
 Rows fieldsOf(const QList<Message> &messages)
 {
     Rows out;
@@ -114,6 +117,11 @@ TestLobby::TestLobby(server::LobbyConfig config, server::HashCost cost) : cost(c
     server = std::make_unique<server::LobbyServer>(config, accounts, buddies, diagnostics,
                                                    passwords, clock);
     server->listen(QHostAddress::LocalHost, 0);
+    statsHandler = std::make_unique<server::StatsHandler>(stats, server->limits());
+    statsHandler->registerWith(server->router());
+    pages = std::make_unique<server::StatsPages>(server->lobby(), server->rooms(), accounts, stats);
+    pages->addRoutes(web);
+    web.listen(QHostAddress::LocalHost, 0);
 }
 
 int TestLobby::addAccount(const QString &name, const QString &password, const QString &email)
@@ -155,4 +163,16 @@ bool TestLobby::sync(TestClient *via)
     for (TestClient *client : std::as_const(m_loggedIn))
         ok = (client->takeChatLine(marker) || !client->isConnected()) && ok;
     return ok;
+}
+
+WebReply TestLobby::fetch(const QString &pathAndQuery)
+{
+    QNetworkAccessManager network;
+    QNetworkRequest request(
+        QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(web.serverPort()).arg(pathAndQuery)));
+    std::unique_ptr<QNetworkReply> reply(network.get(request));
+    waitUntil([&] { return reply->isFinished(); }, 10000);
+    return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
+            reply->header(QNetworkRequest::ContentTypeHeader).toByteArray(),
+            QString::fromUtf8(reply->readAll())};
 }

@@ -11,6 +11,10 @@
 #include "server/lobbyconfig.h"
 #include "server/lobbyserver.h"
 #include "server/passwordhash.h"
+#include "server/statshandler.h"
+#include "server/statspages.h"
+#include "server/statsstore.h"
+#include "server/webserver.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"
 
@@ -109,9 +113,17 @@ private:
     bool m_malformed = false;
 };
 
+// An answer of the lobby's web pages.
+struct WebReply
+{
+    int status = 0; // 0: no answer
+    QByteArray contentType;
+    QString body;
+};
+
 // A lobby server in the test process on an ephemeral loopback port, over a fresh database in a
-// temporary folder, hashing passwords at the least cost unless told otherwise. Its clock for the
-// rate limits stands still until advanced.
+// temporary folder, hashing passwords at the least cost unless told otherwise, with its statistics
+// and web pages on another port. Its clock for the rate limits stands still until advanced.
 class TestLobby
 {
 public:
@@ -138,6 +150,9 @@ public:
     // on first, so a test of the chat limit cannot use it.
     bool sync(TestClient *via);
 
+    // GET `pathAndQuery` ("/?p=stats&id=3") from the web pages.
+    WebReply fetch(const QString &pathAndQuery);
+
     QTemporaryDir dir;
     server::Database database;
     server::AccountStore accounts{database};
@@ -147,6 +162,10 @@ public:
     server::PasswordWorker passwords{cost};
     ManualServerClock clock;
     std::unique_ptr<server::LobbyServer> server;
+    server::StatsStore stats{database};
+    std::unique_ptr<server::StatsHandler> statsHandler;
+    server::WebServer web;
+    std::unique_ptr<server::StatsPages> pages;
 
 private:
     std::vector<std::unique_ptr<TestClient>> m_clients; // closed before the server goes

@@ -1,0 +1,269 @@
+// Statistics uploads and resets over a real lobby connection, and the web pages that show them.
+#include "lobbytest.h"
+
+#include "protocol/stats.h"
+
+#include <QSqlQuery>
+
+using protocol::StatsRecord;
+using protocol::StatsUpload;
+
+namespace {
+
+StatsRecord player(const QString &name, const QString &p1 = "3", const QString &p2 = "2",
+                   const QString &p3 = "1")
+{
+    return {p1, name, p2, p3, "4", "5", "6", "8", "Killer"};
+}
+
+StatsUpload round(qint64 own, const QList<StatsRecord> &players, const QString &headerA = "Round 1")
+{
+    return {own, headerA, "Survival", "Map", players};
+}
+
+int roundsOf(const TestLobby &lobby, int accountId)
+{
+    int rounds = 0;
+    for (const server::GameTypeTotals &t : lobby.stats.totalsByGameType(accountId))
+        rounds += t.rounds;
+    return rounds;
+}
+
+QString pageOf(TestLobby &lobby, int accountId)
+{
+    return lobby.fetch(QStringLiteral("/?p=stats&id=%1").arg(accountId)).body;
+}
+
+// The fields of a round with `records` copies of one record, as a client would send them.
+QStringList uploadFields(const QString &own, const QString &gameType, int records)
+{
+    QStringList fields{own, "A", gameType, "B"};
+    for (int i = 0; i < records; ++i)
+        fields << "1"
+               << "Anna"
+               << "2"
+               << "0"
+               << "4"
+               << "5"
+               << "6"
+               << "8"
+               << "Anna";
+    return fields << QString();
+}
+
+} // namespace
+
+class TstStats : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void malformedUploadsAreKeptApart_data()
+    {
+        QTest::addColumn<QStringList>("fields");
+        QTest::addColumn<QString>("reason");
+        const auto one = [](qsizetype field, const QString &value) {
+            QStringList fields = uploadFields("1", "Survival", 1);
+            fields[field] = value;
+            return fields;
+        };
+        QTest::newRow("unknown game type") << uploadFields("1", "Deathmatch", 1) << "game type";
+        QTest::newRow("game type untranslated")
+            << uploadFields("1", QString::fromUtf8("Überleben"), 1) << "game type";
+        QStringList partial = uploadFields("1", "Survival", 1);
+        partial.insert(partial.size() - 1, "extra");
+        QTest::newRow("part of a record") << partial << "records of 9";
+        QTest::newRow("17 records") << uploadFields("1", "Team Survival", 17) << "more than 16";
+        QTest::newRow("own index past the records")
+            << uploadFields("2", "Survival", 1) << "own index";
+        QTest::newRow("negative own index") << uploadFields("-1", "Survival", 1) << "own index";
+        QTest::newRow("own index not a number") << uploadFields("x", "Survival", 1) << "own index";
+        QTest::newRow("P1 not a number") << one(4, "lots") << "P1";
+        QTest::newRow("P2 empty") << one(6, "") << "P2";
+        QTest::newRow("P3 a hex number") << one(7, "0x10") << "P3";
+    }
+    void malformedUploadsAreKeptApart()
+    {
+        QFETCH(QStringList, fields);
+        QFETCH(QString, reason);
+        TestLobby lobby;
+        TestClient *anna = lobby.loggedIn("Anna");
+        anna->send(Code::StatsUpload, fields);
+        QVERIFY(lobby.sync(anna));
+
+        const QList<server::RejectedUpload> rejected = lobby.stats.rejected();
+        QCOMPARE(rejected.size(), 1);
+        QCOMPARE(rejected[0].senderId, lobby.idOf("Anna"));
+        QVERIFY2(rejected[0].reason.contains(reason), qPrintable(rejected[0].reason));
+        QVERIFY(rejected[0].upload.contains(fields[2])); // what came, for whoever looks into it
+        QCOMPARE(roundsOf(lobby, lobby.idOf("Anna")), 0);
+        QVERIFY(lobby.stats.leaderboard(10).isEmpty());
+        QVERIFY(anna->isConnected());
+    }
+
+    // A round counts once for each player who uploads it, and then only with his own record.
+    void figuresBelongToTheUploader()
+    {
+        TestLobby lobby;
+        auto [anna, bert] = lobby.loggedIn("Anna", "Bert");
+        const int annaId = lobby.idOf("Anna");
+        const int bertId = lobby.idOf("Bert");
+        const QList<StatsRecord> players{player("Bert", "90", "90", "90"),
+                                         player("Anna", "1", "2", "1")};
+
+        anna->sendRaw(round(2, players).encode());
+        anna->sendRaw(round(2, players).encode()); // the log reported twice
+        anna->sendRaw(round(1, players).encode()); // the same round, claiming Bert's record
+        anna->sendRaw(round(0, players, "Round 2").encode()); // found no record of hers
+        QVERIFY(lobby.sync(anna));
+        QCOMPARE(roundsOf(lobby, annaId), 1);
+        QCOMPARE(roundsOf(lobby, bertId), 0);
+        const server::GameTypeTotals annas = lobby.stats.totalsByGameType(annaId).value(0);
+        QCOMPARE(annas.p1 + annas.p2 + annas.p3, 4.0);
+        QVERIFY(pageOf(lobby, bertId).contains("No rounds yet."));
+
+        bert->sendRaw(round(1, players).encode());
+        QVERIFY(lobby.sync(bert));
+        QCOMPARE(roundsOf(lobby, annaId), 1);
+        QCOMPARE(roundsOf(lobby, bertId), 1);
+        QCOMPARE(lobby.stats.totalsByGameType(bertId).value(0).p3, 90.0);
+        const QList<server::LeaderboardRow> leaders = lobby.stats.leaderboard(10);
+        QCOMPARE(leaders.size(), 2);
+        QCOMPARE(leaders[0].name, "Bert"); // one round each; Bert's P3 is higher
+        QCOMPARE(leaders[1].p3, 1.0);
+        // Each page shows the round with both players.
+        for (const int id : {annaId, bertId}) {
+            const QString page = pageOf(lobby, id);
+            QVERIFY(page.contains("<td>Anna</td>") && page.contains("<td>Bert</td>"));
+        }
+    }
+
+    void resetRestartsOnlyTheSender()
+    {
+        TestLobby lobby;
+        auto [anna, bert] = lobby.loggedIn("Anna", "Bert");
+        const int annaId = lobby.idOf("Anna");
+        const int bertId = lobby.idOf("Bert");
+        const QList<StatsRecord> players{player("Anna"), player("Bert")};
+        anna->sendRaw(round(1, players).encode());
+        bert->sendRaw(round(2, players).encode());
+        QVERIFY(lobby.sync(bert));
+        QVERIFY(pageOf(lobby, annaId).contains("<td>Survival</td><td>1</td>"));
+
+        anna->send(Code::StatsReset);
+        anna->sendRaw(round(1, players).encode()); // the round before the reset, again
+        QVERIFY(lobby.sync(anna));
+        QCOMPARE(roundsOf(lobby, annaId), 0);
+        QCOMPARE(roundsOf(lobby, bertId), 1);
+        const QString annasPage = pageOf(lobby, annaId);
+        QVERIFY(annasPage.contains("No rounds yet.") && annasPage.contains("since the reset"));
+        QVERIFY(pageOf(lobby, bertId).contains("<td>Survival</td><td>1</td>"));
+        QCOMPARE(lobby.stats.leaderboard(10).size(), 1);
+
+        anna->sendRaw(round(1, players, "Round 2").encode());
+        QVERIFY(lobby.sync(anna));
+        QCOMPARE(roundsOf(lobby, annaId), 1);
+        QCOMPARE(lobby.stats.recentRounds(annaId, 10).value(0).headerA, "Round 2");
+        QCOMPARE(lobby.stats.leaderboard(10).size(), 2);
+        QSqlQuery kept(lobby.database.handle());
+        QVERIFY(kept.exec("SELECT COUNT(*) FROM stats_uploads") && kept.next());
+        QCOMPARE(kept.value(0).toInt(), 3); // nothing deleted
+
+        QVERIFY(annasPage.contains("Online now, in the lobby."));
+        anna->close();
+        QVERIFY(waitUntil([&] { return !lobby.server->lobby().findByAccount(annaId); }));
+        QVERIFY(pageOf(lobby, annaId).contains("Not online."));
+    }
+
+    void playerTextIsEscapedOnEveryPage()
+    {
+        TestLobby lobby;
+        const QString hostile = "<script>";
+        TestClient *client = lobby.loggedIn(hostile); // an account from before the name rules
+        const int id = lobby.idOf(hostile);
+        client->send(Code::AddRoom, {hostile + "room"});
+        client->send(Code::PlayerStatus, {"2", "\"><script>"});
+        client->sendRaw(
+            StatsUpload{1, hostile, "Survival", hostile, {player(hostile), player("\"&<b>")}}
+                .encode());
+        QVERIFY(lobby.sync(client));
+        QCOMPARE(roundsOf(lobby, id), 1);
+
+        for (const QString &address :
+             {QStringLiteral("/"), QStringLiteral("/?p=stats&id=%1").arg(id)}) {
+            const WebReply reply = lobby.fetch(address);
+            QCOMPARE(reply.status, 200);
+            QVERIFY2(!reply.body.contains("<script") && !reply.body.contains("<b>"),
+                     qPrintable(address));
+            QVERIFY2(reply.body.contains("&lt;script&gt;"), qPrintable(address));
+        }
+        QVERIFY(lobby.fetch("/").body.contains("&lt;script&gt;room"));
+        QVERIFY(pageOf(lobby, id).contains("&quot;&amp;&lt;b&gt;"));
+    }
+
+    void addresses_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<int>("status");
+        QTest::newRow("lobby") << "/" << 200;
+        QTest::newRow("player") << "/?p=stats&id=1" << 200;
+        QTest::newRow("player, id first") << "/?id=1&p=stats" << 200;
+        QTest::newRow("unknown id") << "/?p=stats&id=999" << 404;
+        QTest::newRow("id zero") << "/?p=stats&id=0" << 404;
+        QTest::newRow("negative id") << "/?p=stats&id=-1" << 404;
+        QTest::newRow("id with text") << "/?p=stats&id=1x" << 404;
+        QTest::newRow("id too long") << "/?p=stats&id=99999999999999999999" << 404;
+        QTest::newRow("no id") << "/?p=stats" << 404;
+        QTest::newRow("empty id") << "/?p=stats&id=" << 404;
+        QTest::newRow("unknown page") << "/?p=rooms" << 404;
+        QTest::newRow("unknown path") << "/stats?p=stats&id=1" << 404;
+    }
+    void addresses()
+    {
+        QFETCH(QString, address);
+        QFETCH(int, status);
+        TestLobby lobby;
+        QCOMPARE(lobby.addAccount("Anna"), 1);
+        const WebReply reply = lobby.fetch(address);
+        QCOMPARE(reply.status, status);
+        QCOMPARE(reply.contentType, "text/html; charset=utf-8");
+        QVERIFY(reply.body.startsWith("<!DOCTYPE html>"));
+        QCOMPARE(reply.body.contains("<h1>Anna</h1>"), address.contains("id=1") && status == 200);
+    }
+
+    void uploadsAreRateLimited()
+    {
+        TestLobby lobby;
+        TestClient *anna = lobby.loggedIn("Anna");
+        for (int i = 0; i < server::AccountLimits::kStatsUploads.events + 5; ++i)
+            anna->sendRaw(round(1, {player("Anna")}, QStringLiteral("Round %1").arg(i)).encode());
+        QVERIFY(lobby.sync(anna));
+        QCOMPARE(roundsOf(lobby, lobby.idOf("Anna")), server::AccountLimits::kStatsUploads.events);
+    }
+
+    // A file of the version before statistics gains their tables and keeps its accounts.
+    void olderFileIsUpgraded()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("lobby.sqlite");
+        {
+            server::Database database;
+            QVERIFY(database.open(path));
+            QVERIFY(server::AccountStore(database).create("Anna", "hash"));
+            QSqlQuery query(database.handle());
+            for (const char *table : {"stats_records", "stats_uploads", "stats_resets",
+                                      "stats_totals", "stats_rejected"})
+                QVERIFY(query.exec(QStringLiteral("DROP TABLE %1").arg(table)));
+            QVERIFY(query.exec("PRAGMA user_version = 1"));
+        }
+        server::Database database;
+        QVERIFY2(database.open(path), qPrintable(database.errorString()));
+        QVERIFY(server::AccountStore(database).findByName("Anna"));
+        server::StatsStore stats(database);
+        QCOMPARE(stats.addRound(1, round(1, {player("Anna")}), QDateTime::currentDateTimeUtc()),
+                 server::StatsStore::Added::Counted);
+    }
+};
+
+QTEST_GUILESS_MAIN(TstStats)
+#include "tst_stats.moc"
