@@ -105,13 +105,9 @@ struct Rig
         connection.connectToLobby("127.0.0.1", server.port());
         waitUntil([this] { return connection.isConnected(); });
     }
-    // The game's name for the local player, under the key of `game`.
     bool setPlayerName(const QString &game, const QString &name)
     {
-        return writeFile(home.filePath("system.reg"),
-                         "WINE REGISTRY Version 2\n\n[Software\\\\Red Storm Entertainment\\\\" +
-                             game.toUtf8() + "] 1700000001\n\"MultiplayerPlayerName\"=\"" +
-                             name.toUtf8() + "\"\n");
+        return writeGamePlayerName(home.filePath("system.reg"), game, name);
     }
     QByteArray sentDuring(const std::function<void()> &action)
     {
