@@ -3,7 +3,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -48,28 +47,6 @@ private Q_SLOTS:
         for (const QList<QVariant> &signal : spy)
             paths << signal.at(0).toString();
         QCOMPARE(paths, expected);
-    }
-
-    // A file saved whole (written unnamed, then linked in, as QSaveFile does) is announced
-    // once, by its name, and again when it is saved over.
-    void announcesSavedFilesByTheirNames()
-    {
-        QTemporaryDir game;
-        InotifyFolderWatcher watcher;
-        QSignalSpy spy(&watcher, &FolderWatcher::itemUpdated);
-        QVERIFY(watcher.startNotify(game.path()));
-        const auto save = [&] {
-            QSaveFile file(game.filePath("RSResults1.log"));
-            return file.open(QIODevice::WriteOnly) && file.write("round\r\n") > 0 && file.commit();
-        };
-        QVERIFY(save());
-        QVERIFY(waitUntil([&] { return spy.size() == 1; }));
-        QVERIFY(save());
-        QVERIFY(waitUntil([&] { return spy.size() == 2; }));
-        QTest::qWait(50);
-        QCOMPARE(spy.size(), 2);
-        for (const QList<QVariant> &signal : spy)
-            QCOMPARE(signal.at(0).toString(), game.filePath("RSResults1.log"));
     }
 };
 
