@@ -1,21 +1,21 @@
+#include "client/app/form1.h"
 #include "client/lobby/lobbyconnection.h"
-#include "client/lobby/lobbydispatcher.h"
-#include "client/options/basregistry.h"
-#include "client/platform/inotifyfolderwatcher.h"
-#include "client/platform/registrylinux.h"
+#include "client/options/options.h"
+#include "client/pager/pager.h"
+#include "client/platform/folderwatcher.h"
+#include "client/session/sessionstate.h"
 #include "client/stats/resultlog.h"
-#include "client/stats/resultlogharvester.h"
 #include "client/stats/resultlogname.h"
 #include "client/stats/resultlogwatch.h"
+#include "client/ui/picturebutton.h"
 #include "protocol/chat.h"
 #include "protocol/cp1252.h"
-#include "support/clientfakes.h"
+#include "support/appharness.h"
 #include "support/files.h"
 #include "support/scriptedserver.h"
 #include "support/serverprocess.h"
-#include "support/wait.h"
 
-#include <QTemporaryDir>
+#include <QDesktopServices>
 #include <QTest>
 
 using namespace client;
@@ -23,6 +23,8 @@ using protocol::StatsRecord;
 using protocol::StatsUpload;
 
 namespace {
+
+const QByteArray kReset = protocol::StatsReset{}.encode();
 
 // A player of a hand-made log; the fields the client does not read are fixed.
 struct Player
@@ -87,41 +89,42 @@ QByteArray reportOf(const QString &text)
     return protocol::PrivateMessageToServer{"QUORVEL", text}.encode();
 }
 
-// A harvester connected to a lobby stand-in, with the games' registry in a folder of its own.
+// The client connected to a lobby stand-in, sounds off, the reset sound in its game folder.
 struct Rig
 {
-    QTemporaryDir home;
+    AppHarness h;
     ScriptedServer server;
-    LobbyDispatcher dispatcher;
-    LobbyConnection connection{dispatcher};
-    ManualClock clock{QDateTime::currentDateTime()};
-    LinuxRegistry registry{
-        {home.filePath("autostart"), home.filePath("system.reg"), home.filePath("registry.ini")}};
-    BasRegistry basRegistry{registry};
-    ResultLogHarvester harvester{connection, clock, basRegistry};
+    const QString game = h.home.filePath("RogueSpear");
 
     Rig()
     {
-        connection.connectToLobby("127.0.0.1", server.port());
-        waitUntil([this] { return connection.isConnected(); });
-    }
-    bool setPlayerName(const QString &game, const QString &name)
-    {
-        return writeGamePlayerName(home.filePath("system.reg"), game, name);
+        writeFile(game + "/data/sound/English/ref_clr1.wav");
+        h.app.options().setPathRS(game);
+        h.app.start();
+        h.app.connection().connectToLobby("127.0.0.1", server.port());
+        waitUntil([this] { return h.app.connection().isConnected(); });
+        h.dialogs.asked.clear(); // the notice of a missing Black Ops folder
     }
     QByteArray sentDuring(const std::function<void()> &action)
     {
-        return ::sentDuring(server, connection, action);
+        return ::sentDuring(server, h.app.connection(), action);
     }
 };
 
 } // namespace
 
-class TestResultLog : public QObject
+class TestStats : public QObject
 {
     Q_OBJECT
 
+public Q_SLOTS:
+    // The browser, as the desktop would start it.
+    void openUrl(const QUrl &url) { m_opened << url.toString(); }
+
 private Q_SLOTS:
+    void initTestCase() { QDesktopServices::setUrlHandler("http", this, "openUrl"); }
+    void cleanupTestCase() { QDesktopServices::unsetUrlHandler("http"); }
+
     void namesTheLogs()
     {
         for (const char *name : {"RSResults1.log", "RSResults2_final.log"})
@@ -205,9 +208,9 @@ private Q_SLOTS:
         QCOMPARE(outcome(log, localName), expected);
     }
 
-    // The game, installed in a watched folder, writes a log after each round: each is
-    // uploaded once, with the local player's record found through the registry (Black Ops'
-    // name when Rogue Spear has none).
+    // The game, in the watched game folder, writes a log after each round: each is uploaded
+    // once, with the local player's record found through the registry (Black Ops' name when
+    // Rogue Spear has none).
     void uploadsEachRoundTheGameWrites_data()
     {
         QTest::addColumn<QString>("gameType"); // as the game writes it
@@ -226,19 +229,10 @@ private Q_SLOTS:
         QFETCH(QString, sent);
         QFETCH(QString, registryGame);
         Rig r;
-        QVERIFY(r.connection.isConnected() && r.setPlayerName(registryGame, "Al"));
-        const QString folder = r.home.filePath("RogueSpear");
-        QVERIFY(QDir().mkpath(folder) && QFile::copy(kFakeGame, folder + "/roguespear.exe"));
-        InotifyFolderWatcher watcher;
-        ResultLogWatch logs(watcher);
-        connect(&logs, &ResultLogWatch::resultLogWritten, &r.harvester,
-                &ResultLogHarvester::harvestResultLog);
-        QVERIFY(watcher.startNotify(folder));
-
-        ServerProcess game;
-        QVERIFY(game.start(folder + "/roguespear.exe",
-                           {"-server", "0", "-bind", "127.0.0.1", "-round", "1", "-gametype",
-                            gameType, "-player", "Bob:1:40", "-player", "Al:2:55"}));
+        QVERIFY(writeGamePlayerName(r.h.home.filePath("system.reg"), registryGame, "Al"));
+        QVERIFY(QFile::copy(kFakeGame, r.game + "/roguespear.exe"));
+        QVERIFY(r.h.app.folderWatcher().startNotify(r.game));
+        r.h.clock.set(QDateTime::currentDateTime());
         const QByteArray ds = StatsUpload{
             2,
             "Training Grounds",
@@ -247,8 +241,14 @@ private Q_SLOTS:
             {{"1", "Bob", "2", "1", "0", "30", "10", "33", ""},
              {"2", "Al", "2", "0", "1", "31", "11", "33",
               "Bob"}}}.encode();
-        QVERIFY(waitUntil([&] { return r.server.received().size() >= 2 * ds.size(); }, 10000));
-        const QByteArray received = r.server.received();
+        ServerProcess game;
+        const QByteArray received = r.sentDuring([&] {
+            QVERIFY(game.start(r.game + "/roguespear.exe",
+                               {"-server", "0", "-bind", "127.0.0.1", "-round", "1", "-gametype",
+                                gameType, "-player", "Bob:1:40", "-player", "Al:2:55"}));
+            QVERIFY(waitUntil([&] { return r.server.received().count(ds) >= 2; }, 10000));
+        });
+        QVERIFY(received.size() >= 2 * ds.size());
         QCOMPARE(received, ds.repeated(received.size() / ds.size()));
     }
 
@@ -256,12 +256,12 @@ private Q_SLOTS:
     void reportsLogsItCannotUse_data()
     {
         QTest::addColumn<QByteArray>("log");
-        QTest::addColumn<int>("age"); // seconds since it was written
+        QTest::addColumn<int>("age"); // seconds since it was written, by the client's clock
         QTest::addColumn<QByteArray>("expected");
         const QByteArray good = makeLog("Survival", {{"Al"}});
-        QTest::newRow("15 s old")
-            << good << 15 << upload(0, "Survival", {record(1, "Al", "2", "0", "")}).encode();
-        QTest::newRow("16 s old") << good << 16 << reportOf("old file: ").chopped(1);
+        QTest::newRow("fresh") << good << 0
+                               << upload(0, "Survival", {record(1, "Al", "2", "0", "")}).encode();
+        QTest::newRow("a minute old") << good << 60 << reportOf("old file: ").chopped(1);
         QTest::newRow("broken") << makeLog("Survival", {{"Al"}}, 1) << 0
                                 << reportOf("getStats errorLine: 5");
     }
@@ -271,17 +271,93 @@ private Q_SLOTS:
         QFETCH(int, age);
         QFETCH(QByteArray, expected);
         Rig r;
-        const QString path = r.home.filePath("RSResults1.log");
-        QVERIFY(writeFile(path, log));
-        const QDateTime written = QFileInfo(path).lastModified();
-        r.clock.set(written.addSecs(age));
-        const QByteArray sent = r.sentDuring([&] { r.harvester.harvestResultLog(path); });
-        if (age > 15)
+        QVERIFY(r.h.app.folderWatcher().startNotify(r.game));
+        r.h.clock.set(QDateTime::currentDateTime().addSecs(age));
+        const QByteArray sent = r.sentDuring([&] {
+            writeFile(r.game + "/RSResults7.log", log);
+            QTest::qWait(int(ResultLogWatch::kSettleTime.count()) + 200);
+        });
+        if (age > 0)
             QVERIFY2(sent.startsWith(expected) && sent.contains(" - "), sent.constData());
         else
             QCOMPARE(sent, expected);
     }
+
+    void resetButtonAsksFirst()
+    {
+        Rig r;
+        r.h.dialogs.answers = {Dialogs::Answer::No, Dialogs::Answer::Yes};
+        QCOMPARE(r.sentDuring([&] { r.h.app.form().picResetStats->click(); }), QByteArray());
+        QCOMPARE(r.h.dialogs.asked, QStringList{"Are you sure? [Yes/No]"});
+        QCOMPARE(r.sentDuring([&] { r.h.app.form().picResetStats->click(); }), kReset);
+    }
+
+    // The hot-key poll: a reset, with its sound whatever the sound option says,
+    // only in a game and with the captured key down.
+    void hotKeyPoll_data()
+    {
+        QTest::addColumn<bool>("inGame");
+        QTest::addColumn<QString>("tag");
+        QTest::addColumn<int>("down");
+        QTest::addColumn<bool>("readable");
+        QTest::addColumn<bool>("resets");
+        QTest::newRow("in game, F5 down") << true << "116" << 116 << true << true;
+        QTest::newRow("no game") << false << "116" << 116 << true << false;
+        QTest::newRow("another key down") << true << "116" << 117 << true << false;
+        QTest::newRow("no key captured") << true << "" << 0 << true << false;
+        QTest::newRow("keyboard unreadable") << true << "116" << 116 << false << false;
+    }
+    void hotKeyPoll()
+    {
+        QFETCH(bool, inGame);
+        QFETCH(QString, tag);
+        QFETCH(int, down);
+        QFETCH(bool, readable);
+        QFETCH(bool, resets);
+        Rig r;
+        r.h.app.session().inGame = inGame;
+        r.h.app.options().setHotKeyTag(tag);
+        r.h.keys.down = {down};
+        r.h.keys.available = readable;
+        // One tick of the poll, which runs while the reset option is on.
+        QCOMPARE(r.sentDuring([&] {
+            r.h.app.options().setReset(true);
+            QTest::qWait(700);
+            r.h.app.options().setReset(false);
+        }),
+                 resets ? kReset : QByteArray());
+        QCOMPARE(r.h.player.played.size(), resets ? 1 : 0);
+        if (resets)
+            QVERIFY(r.h.player.played.first().endsWith("/data/sound/English/ref_clr1.wav"));
+    }
+
+    // Every statistics address is the web host, "?p=stats&id=" and the id: the own page from
+    // `picViewStats` after the login gave the id, a player's from the pager.
+    void statsPagesOpenTheWebHost_data()
+    {
+        QTest::addColumn<quint16>("port");
+        QTest::addColumn<QString>("host");
+        QTest::newRow("port 80") << quint16(80) << "lobby.example";
+        QTest::newRow("port 8080") << quint16(8080) << "lobby.example:8080";
+    }
+    void statsPagesOpenTheWebHost()
+    {
+        QFETCH(quint16, port);
+        QFETCH(QString, host);
+        Rig r;
+        r.h.app.session().webHost = "lobby.example";
+        r.h.app.session().webPort = port;
+        m_opened.clear();
+        r.h.app.form().picViewStats->setTag("42");
+        r.h.app.form().picViewStats->click();
+        Q_EMIT r.h.app.pager().statsPageRequested("7");
+        QCOMPARE(m_opened, (QStringList{"http://" + host + "?p=stats&id=42",
+                                        "http://" + host + "?p=stats&id=7"}));
+    }
+
+private:
+    QStringList m_opened;
 };
 
-QTEST_GUILESS_MAIN(TestResultLog)
-#include "tst_resultlog.moc"
+QTEST_MAIN(TestStats)
+#include "tst_stats.moc"
