@@ -90,19 +90,21 @@ StatsPages::StatsPages(const Lobby &lobby, const RoomRegistry &rooms, const Acco
 void StatsPages::addRoutes(WebServer &web) const
 {
     web.http().route(QStringLiteral("/"), QHttpServerRequest::Method::Get,
-                     [this](const QHttpServerRequest &request) {
-                         const QUrlQuery query(request.url());
-                         std::optional<QByteArray> page;
-                         if (query.isEmpty())
-                             page = frontPage();
-                         else if (query.queryItemValue(QStringLiteral("p")) ==
-                                  QLatin1String("stats"))
-                             page = playerPage(query.queryItemValue(QStringLiteral("id")));
-                         if (!page)
-                             return QHttpServerResponse(kHtml, notFoundPage(),
-                                                        QHttpServerResponder::StatusCode::NotFound);
-                         return QHttpServerResponse(kHtml, *page);
-                     });
+                     [this](const QHttpServerRequest &request) { return answer(request); });
+}
+
+QHttpServerResponse StatsPages::answer(const QHttpServerRequest &request) const
+{
+    const QUrlQuery query(request.url());
+    std::optional<QByteArray> page;
+    if (query.isEmpty())
+        page = frontPage();
+    else if (query.queryItemValue(QStringLiteral("p")) == QLatin1String("stats"))
+        page = playerPage(query.queryItemValue(QStringLiteral("id")));
+    if (!page)
+        return QHttpServerResponse(kHtml, notFoundPage(),
+                                   QHttpServerResponder::StatusCode::NotFound);
+    return QHttpServerResponse(kHtml, *page);
 }
 
 QByteArray StatsPages::notFoundPage()

@@ -4,6 +4,9 @@
 #include <QString>
 #include <optional>
 
+class QHttpServerRequest;
+class QHttpServerResponse;
+
 namespace server {
 
 class AccountStore;
@@ -32,6 +35,8 @@ public:
     static QByteArray notFoundPage();
 
 private:
+    QHttpServerResponse answer(const QHttpServerRequest &request) const;
+
     const Lobby &m_lobby;
     const RoomRegistry &m_rooms;
     const AccountStore &m_accounts;
