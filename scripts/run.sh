@@ -50,9 +50,19 @@ start_client() {
     # folders.
     printf '0\r\n1\r\n0\r\n0\r\n0\r\n%s\r\n\r\n' "$home/RogueSpear" \
         >"$home/data/Quorvel/settingRS.txt"
-    # The stand-in game, started by the client when the player hosts or joins a game.
-    cp build/tools/fakegame/game/roguespear.exe "$home/RogueSpear/"
-    XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
+    # The stand-in game, started by the client when the player hosts or joins a game; it plays
+    # rounds of a minute and writes a results log after each, which the client uploads. The
+    # game knows the player by his lobby name (from the Wine prefix's registry). It runs under
+    # the name roguespear.exe, by which the client finds it without X11.
+    cp build/tools/fakegame/game/roguespear.exe "$home/RogueSpear/fakegame"
+    printf '#!/bin/bash\nexec -a "$0" "$(dirname "$0")/fakegame" "$@" -round 60 -player %s:1:20\n' \
+        "$name" \
+        >"$home/RogueSpear/roguespear.exe"
+    chmod +x "$home/RogueSpear/roguespear.exe"
+    mkdir -p "$home/wine"
+    printf 'WINE REGISTRY Version 2\n\n[Software\\\\Red Storm Entertainment\\\\Rogue Spear] 0\n"MultiplayerPlayerName"="%s"\n' \
+        "$name" >"$home/wine/system.reg"
+    WINEPREFIX="$home/wine" XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
         build/src/client/quorvel --lobby "127.0.0.1:$port" --web "127.0.0.1:$web_port" \
         --avatars "http://127.0.0.1:$web_port" >"$home/client.log" 2>&1 &
     pids+=($!)

@@ -21,7 +21,8 @@ struct AppHarness
 {
     explicit AppHarness(client::ServerAddresses servers = {}, AppProgram program = {})
         : app({&tray, &player, &clock, &ticks, &registry, &dialogs, home.filePath("wine"),
-               dataFolder(), program.file, program.update, program.options, &games},
+               dataFolder(), program.file, program.update, program.options, &games, nullptr,
+               nullptr, nullptr, &keys},
               std::move(servers))
     {
     }
@@ -36,5 +37,6 @@ struct AppHarness
     client::LinuxRegistry registry{
         {home.filePath("autostart"), home.filePath("system.reg"), home.filePath("registry.ini")}};
     GameStarter games;
+    FakeKeyState keys;
     client::ClientApplication app;
 };

@@ -1,10 +1,11 @@
 #pragma once
 
 // Stand-ins for the operating-system services a test cannot use for real: no notification
-// area and no sound device under the offscreen platform, dialogs that nobody answers, and
-// clocks that move only when a test moves them.
+// area and no sound device under the offscreen platform, dialogs that nobody answers, a
+// keyboard nobody presses, and clocks that move only when a test moves them.
 
 #include "client/platform/dialogs.h"
+#include "client/platform/keystate.h"
 #include "client/platform/soundplayer.h"
 #include "client/platform/trayservice.h"
 #include "client/session/clock.h"
@@ -76,6 +77,17 @@ public:
         asked << "input: " + title;
         return inputs.isEmpty() ? QString() : inputs.takeFirst();
     }
+};
+
+// A keyboard whose keys are down while a test holds them (by their virtual-key codes).
+class FakeKeyState final : public client::KeyState
+{
+public:
+    bool available = true;
+    QList<int> down;
+
+    bool isAvailable() const override { return available; }
+    bool isKeyDown(int virtualKey) override { return available && down.contains(virtualKey); }
 };
 
 // A clock that stands still until it is set or advanced.

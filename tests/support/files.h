@@ -11,3 +11,12 @@ inline bool writeFile(const QString &path, const QByteArray &content = {})
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
+
+// A Wine system.reg at `path` in which `game` ("Rogue Spear", "Black Ops") calls the local
+// player `name`.
+inline bool writeGamePlayerName(const QString &path, const QString &game, const QString &name)
+{
+    return writeFile(path, "WINE REGISTRY Version 2\n\n[Software\\\\Red Storm Entertainment\\\\" +
+                               game.toUtf8() + "] 1700000001\n\"MultiplayerPlayerName\"=\"" +
+                               name.toUtf8() + "\"\n");
+}

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "protocol/login.h"
+#include "support/wait.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <functional>
 
 // A lobby server stand-in for tests: listens on an ephemeral loopback port, keeps the
 // latest accepted connection, collects what it receives and sends exact bytes.
@@ -46,3 +50,24 @@ private:
     qint64 m_written = 0;
     int m_connections = 0;
 };
+
+// What `client` (a lobby connection) sent to `server` while `action` ran, "(lost)" when that
+// cannot be told. A keep-alive before and after marks the stretch.
+template <typename Connection>
+QByteArray sentDuring(ScriptedServer &server, Connection &client,
+                      const std::function<void()> &action)
+{
+    const auto mark = [&] {
+        const qsizetype before = server.received().size();
+        client.send(protocol::KeepAlive{});
+        return waitUntil([&] {
+            return server.received().size() > before && server.received().endsWith("PI\x0F");
+        })
+                   ? server.received().size()
+                   : -1;
+    };
+    const qsizetype from = mark();
+    action();
+    const qsizetype to = mark();
+    return from < 0 || to < 0 ? "(lost)" : server.received().mid(from, to - from - 3);
+}

@@ -2,7 +2,10 @@
 
 #include "wait.h"
 
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QRegularExpression>
+#include <memory>
 
 bool ServerProcess::start(const QString &program, const QStringList &arguments)
 {
@@ -55,4 +58,15 @@ ServerProcess::Result ServerProcess::run(const QString &program, const QStringLi
     result.out = QString::fromUtf8(process.readAllStandardOutput());
     result.err = QString::fromUtf8(process.readAllStandardError());
     return result;
+}
+
+QString ServerProcess::webPage(const QString &pathAndQuery) const
+{
+    QNetworkAccessManager network;
+    const QUrl url(QStringLiteral("http://127.0.0.1:%1%2").arg(m_webPort).arg(pathAndQuery));
+    const std::unique_ptr<QNetworkReply> reply(network.get(QNetworkRequest(url)));
+    waitUntil([&] { return reply->isFinished(); }, 10000);
+    return reply->isFinished() && reply->error() == QNetworkReply::NoError
+               ? QString::fromUtf8(reply->readAll())
+               : QString();
 }

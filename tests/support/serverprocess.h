@@ -21,7 +21,10 @@ public:
     bool start(const QString &program, const QStringList &arguments);
     quint16 port() const { return m_port; }
     quint16 webPort() const { return m_webPort; } // the lobby server's web pages, 0 if none
-    void killHard();                              // SIGKILL, no chance to clean up
+    // The body of a web page of the server (`pathAndQuery` as "/?p=stats&id=3"); empty when
+    // it did not come within 10 s or was not found.
+    QString webPage(const QString &pathAndQuery) const;
+    void killHard(); // SIGKILL, no chance to clean up
 
     struct Result
     {

@@ -36,6 +36,7 @@
 #include "client/platform/proctcptable.h"
 #include "client/platform/trayservice.h"
 #include "client/platform/x11gamewindowfinder.h"
+#include "client/platform/x11keystate.h"
 #include "client/presence/frmmenu.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/playerlistclicks.h"
@@ -52,6 +53,10 @@
 #include "client/session/clock.h"
 #include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
+#include "client/stats/resultlogharvester.h"
+#include "client/stats/resultlogwatch.h"
+#include "client/stats/statspage.h"
+#include "client/stats/statsreset.h"
 #include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
 #include "client/update/selfupdate.h"
@@ -103,6 +108,7 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     m_tmrStatsReset->setInterval(500);
     connect(m_options, &Options::resetChanged, m_tmrStatsReset,
             [this](bool on) { on ? m_tmrStatsReset->start() : m_tmrStatsReset->stop(); });
+    buildStats();
     connect(m_form->picOptions, &QAbstractButton::clicked, this, [this] {
         FrmOptions *window = m_windows->frmOptions();
         window->setWindowModality(Qt::ApplicationModal);
@@ -221,12 +227,29 @@ void ClientApplication::buildPager()
 
 void ClientApplication::openStatsPage(const QString &id)
 {
-    const QString host =
-        m_session->webPort == 80
-            ? m_session->webHost
-            : QStringLiteral("%1:%2").arg(m_session->webHost).arg(m_session->webPort);
-    QDesktopServices::openUrl(
-        QUrl(QStringLiteral("http://") + host + QStringLiteral("/?p=stats&id=") + id));
+    QDesktopServices::openUrl(QUrl(statsPageAddress(*m_session, id)));
+}
+
+void ClientApplication::buildStats()
+{
+    // The running game's results logs are read and uploaded as they are written.
+    auto *harvester =
+        new ResultLogHarvester(*m_connection, *m_services.clock, *m_basRegistry, this);
+    connect(new ResultLogWatch(*m_services.folderWatcher, ResultLogWatch::kSettleTime, this),
+            &ResultLogWatch::resultLogWritten, harvester, &ResultLogHarvester::harvestResultLog);
+
+    if (!m_services.keyState) {
+        m_ownKeyState = std::make_unique<X11KeyState>();
+        m_services.keyState = m_ownKeyState.get();
+    }
+    auto *reset = new StatsReset(*m_connection, *m_session, *m_options, *m_services.keyState,
+                                 *m_sounds, *m_services.dialogs, this);
+    connect(m_form->picResetStats, &QAbstractButton::clicked, reset,
+            &StatsReset::picResetStatsClicked);
+    connect(m_tmrStatsReset, &QTimer::timeout, reset, &StatsReset::pollHotKey);
+    connect(reset, &StatsReset::statusLine, m_chat, &LobbyChat::addStatusLine);
+    connect(m_form->picViewStats, &QAbstractButton::clicked, this,
+            [this] { openStatsPage(m_form->picViewStats->tag()); });
 }
 
 void ClientApplication::buildTray()

@@ -25,6 +25,7 @@ class GameServerScan;
 class GameWindowFinder;
 class GameWindows;
 class InGameDetection;
+class KeyState;
 class LaunchSites;
 class GameInfo;
 class GameServerQuery;
@@ -85,6 +86,8 @@ public:
         GameWindowFinder *gameWindowFinder = nullptr;
         TcpTable *tcpTable = nullptr;
         FolderWatcher *folderWatcher = nullptr;
+        // The key state the stats-reset hot key is read from; the X11 one when not given.
+        KeyState *keyState = nullptr;
     };
 
     ClientApplication(Services services, ServerAddresses servers, QObject *parent = nullptr);
@@ -128,6 +131,7 @@ private:
     void buildGame();
     void buildRooms();
     void buildPager();
+    void buildStats();
     void openStatsPage(const QString &id);
     // user.txt in the data folder.
     QString credentialsPath() const;
@@ -173,6 +177,7 @@ private:
     GameLauncher *m_launcher = nullptr;
     LaunchSites *m_launchSites = nullptr;
     InGameDetection *m_detection = nullptr;
+    std::unique_ptr<KeyState> m_ownKeyState;
     bool m_optionsLoaded = false;
 };
 

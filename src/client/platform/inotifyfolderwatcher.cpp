@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -56,6 +57,7 @@ void InotifyFolderWatcher::stopNotify()
         ::close(m_fd);
     m_fd = -1;
     m_folders.clear();
+    m_linkedOpen.clear();
 }
 
 void InotifyFolderWatcher::addTree(const QString &folder, bool announceFiles)
@@ -100,8 +102,22 @@ void InotifyFolderWatcher::readEvents()
             if (event.mask & IN_ISDIR) {
                 if (event.mask & (IN_CREATE | IN_MOVED_TO))
                     addTree(path, true);
+            } else if (event.mask & IN_CREATE) {
+                // The closing of a file that was created unnamed comes under "#" and its inode
+                // number, after it has been linked in.
+                struct stat info;
+                if (::stat(QFile::encodeName(path).constData(), &info) == 0)
+                    m_linkedOpen.insert(
+                        *folder + QStringLiteral("/#") + QString::number(info.st_ino), path);
             } else if (event.mask & (IN_CLOSE_WRITE | IN_MOVED_TO)) {
-                Q_EMIT itemUpdated(path);
+                // A file closed under a name of its own, or unnamed and linked in, that is
+                // still there (not the unnamed one saved over an older file by a rename).
+                QString updated = m_linkedOpen.take(path);
+                m_linkedOpen.removeIf([&](const auto &entry) { return entry.value() == path; });
+                if (updated.isEmpty())
+                    updated = path;
+                if (QFileInfo::exists(updated))
+                    Q_EMIT itemUpdated(updated);
             }
             if (m_fd != fd)
                 return; // a receiver stopped or restarted the watch

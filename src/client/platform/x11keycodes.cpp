@@ -41,6 +41,22 @@ int virtualKey(quint32 keycode)
     return 0;
 }
 
+quint32 keycode(int virtualKey)
+{
+    if (virtualKey >= kVirtualF1 && virtualKey < kVirtualF1 + 10)
+        return kF1 + quint32(virtualKey - kVirtualF1);
+    if (virtualKey == kVirtualF1 + 10 || virtualKey == kVirtualF1 + 11)
+        return kF11 + quint32(virtualKey - kVirtualF1 - 10);
+    if (virtualKey <= 0 || virtualKey > 127)
+        return 0;
+    for (const Run &run : kRuns) {
+        const size_t at = run.keys.find(char(virtualKey));
+        if (at != std::string_view::npos)
+            return run.firstKeycode + quint32(at);
+    }
+    return 0;
+}
+
 } // namespace X11Keycodes
 
 } // namespace client

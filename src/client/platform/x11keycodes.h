@@ -12,6 +12,10 @@ namespace X11Keycodes {
 // is 49 whatever it prints), or 0 for any other key and for 0 (no keycode known).
 int virtualKey(quint32 keycode);
 
+// The keycode of the key that `virtualKey` names (the inverse of the above), or 0 for a code
+// of no digit, letter or F1..F12 key.
+quint32 keycode(int virtualKey);
+
 } // namespace X11Keycodes
 
 } // namespace client

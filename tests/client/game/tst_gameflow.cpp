@@ -62,20 +62,7 @@ struct Rig
     // What the client sent to the lobby while `action` ran.
     QByteArray sentDuring(const std::function<void()> &action)
     {
-        // A keep-alive marks a point in the stream.
-        const auto mark = [this] {
-            const qsizetype before = server.received().size();
-            h.app.connection().send(protocol::KeepAlive{});
-            return waitUntil([&] {
-                return server.received().size() > before && server.received().endsWith("PI\x0F");
-            })
-                       ? server.received().size()
-                       : -1;
-        };
-        const qsizetype from = mark();
-        action();
-        const qsizetype to = mark();
-        return from < 0 || to < 0 ? "(lost)" : server.received().mid(from, to - from - 3);
+        return ::sentDuring(server, h.app.connection(), action);
     }
     bool gameIs(const QString &server)
     {

@@ -3,11 +3,13 @@
 #include "client/platform/detachedprocessstarter.h"
 #include "client/platform/proctcptable.h"
 #include "client/platform/x11gamewindowfinder.h"
+#include "client/platform/x11keystate.h"
 #include "support/gamefakes.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -106,6 +108,31 @@ private Q_SLOTS:
         QVERIFY(DetachedProcessStarter("no-such-wine --quiet")
                     .startDetached(folder.filePath("game.exe"), {})
                     .contains("no-such-wine"));
+    }
+
+    // The hot key read from the X server's keyboard, pressed the way a user would press it
+    // (by xdotool); the same physical key as the hot-key field captures.
+    void readsKeysOfTheDisplay_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<int>("virtualKey");
+        QTest::newRow("F5") << "F5" << 116;
+        QTest::newRow("Q") << "q" << 81;
+    }
+    void readsKeysOfTheDisplay()
+    {
+        QFETCH(QString, key);
+        QFETCH(int, virtualKey);
+        X11KeyState keys;
+        QVERIFY(keys.isAvailable());
+        QVERIFY(!keys.isKeyDown(virtualKey));
+        QCOMPARE(QProcess::execute("xdotool", {"keydown", key}), 0);
+        const bool down = waitUntil([&] { return keys.isKeyDown(virtualKey); }, 2000);
+        const bool otherDown = keys.isKeyDown(virtualKey == 116 ? 117 : 116);
+        QCOMPARE(QProcess::execute("xdotool", {"keyup", key}), 0);
+        QVERIFY(down && !otherDown);
+        QVERIFY(waitUntil([&] { return !keys.isKeyDown(virtualKey); }, 2000));
+        QVERIFY(!X11KeyState("no-such-display:99").isAvailable());
     }
 };
 
