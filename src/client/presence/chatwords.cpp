@@ -52,6 +52,12 @@ QList<TextSpan> findWebAddresses(const QString &text)
     return spans;
 }
 
+QString addressInWord(const QString &word)
+{
+    const QList<TextSpan> spans = findWebAddresses(word);
+    return spans.isEmpty() ? word : word.mid(spans.first().start, spans.first().length);
+}
+
 QString chatTimeText(const QTime &time)
 {
     // The long format ends in a time zone ("t") in many locales; a chat line shows none.

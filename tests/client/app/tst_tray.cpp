@@ -95,7 +95,7 @@ private Q_SLOTS:
         rig.form.showNormal();
         rig.controller.hideToTray();
         QVERIFY(rig.form.isMinimized());
-        QCOMPARE(rig.form.txtChat->toPlainText().count("no notification area"), 1);
+        QTRY_COMPARE(rig.form.txtChat->toPlainText().count("no notification area"), 1);
         QCOMPARE(rig.restored.count(), 1);
         QVERIFY(rig.sentPresence({"1", "3", "1"}));
     }

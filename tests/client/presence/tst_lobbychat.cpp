@@ -1,6 +1,7 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatinput.h"
+#include "client/presence/chatlog.h"
 #include "client/presence/chatwords.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/sendrateguard.h"
@@ -9,6 +10,7 @@
 #include "protocol/message.h"
 #include "support/clientfakes.h"
 #include "support/scriptedserver.h"
+#include "support/wait.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -83,6 +85,11 @@ struct ChatWindow
         QCoreApplication::sendEvent(txtChatSend, &focus);
         txtChatSend->insert(text);
     }
+    // Lets the box draw what was appended, until its last line holds `text`.
+    bool drawn(const QString &text)
+    {
+        return waitUntil([&] { return txtChat->document()->lastBlock().text().contains(text); });
+    }
     // Puts the caret at the `nth` place where `text` occurs plus `offset`.
     void caretAt(const QString &text, int offset = 0, QTextCursor::MoveMode mode = {})
     {
@@ -137,6 +144,7 @@ private Q_SLOTS:
         ChatWindow w;
         w.clock.set(QDateTime(kStart.date(), QTime(21, 34, 56)));
         w.dispatcher.receive(protocol::buildMessage(Code::ChatLine, fields));
+        QVERIFY(w.drawn(fields[0]));
 
         QTextDocument *doc = w.txtChat->document();
         QCOMPARE(doc->toPlainText().count(u'\n'), 1);
@@ -144,6 +152,7 @@ private Q_SLOTS:
                  QStringList{chatTimeText(QTime(21, 34, 56)) + "  |#000000"} + after);
 
         w.chat.addStatusLine(QStringLiteral("Diconnected"));
+        QVERIFY(w.drawn("Diconnected"));
         QCOMPARE(runsOf(doc->lastBlock()).mid(1),
                  (QStringList{"QUORVEL|#000000[b]", "  >   Diconnected |#000000"}));
     }
@@ -192,8 +201,10 @@ private Q_SLOTS:
         w.txtChat->setFixedHeight(80);
         w.window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-        while (w.txtChat->document()->characterCount() < 40000)
-            w.chat.addChatLine("www.name.com", 0, "http://a.com www.b.com");
+        for (int i = 0; i < 950; ++i)
+            w.chat.addChatLine("www.name.com", 0, "http://a.com www.b.com " + QString::number(i));
+        QVERIFY(w.drawn("www.b.com 949"));
+        QVERIFY(w.txtChat->document()->characterCount() > 40000);
         QVERIFY(w.opened.isEmpty());
 
         QScrollBar *bar = w.txtChat->verticalScrollBar();
@@ -203,6 +214,7 @@ private Q_SLOTS:
         const qsizetype before = w.opened.size();
         w.dispatcher.receive(
             protocol::ChatLineToClient{"Ann", 255, "look at http://example.com/page now"}.encode());
+        QVERIFY(w.drawn("example.com"));
         QCOMPARE(w.opened.size(), before);
         QVERIFY(!w.txtChat->textCursor().hasSelection());
         QCOMPARE(w.txtChat->textCursor().position(), w.txtChat->document()->characterCount() - 1);
@@ -214,6 +226,56 @@ private Q_SLOTS:
             w.caretAt("example", end, QTextCursor::KeepAnchor);
         w.caretAt("at http");
         QCOMPARE(w.opened.mid(before), QStringList{"http://example.com/page"});
+    }
+
+    // A click opens the address as it is drawn as a link, without what stands around it.
+    void clickOpensTheLinkAsDrawn_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("clickOn");
+        QTest::addColumn<QString>("opens");
+        QTest::newRow("in brackets") << "look (www.test.org) here"
+                                     << "test"
+                                     << "www.test.org";
+        QTest::newRow("ending a sentence") << "see https://a.org/x, then"
+                                           << "a.org"
+                                           << "https://a.org/x";
+        QTest::newRow("marker inside a word: the whole word") << "go visitwww.a.com now"
+                                                              << "visit"
+                                                              << "visitwww.a.com";
+    }
+    void clickOpensTheLinkAsDrawn()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, clickOn);
+        QFETCH(QString, opens);
+        ChatWindow w;
+        w.chat.addChatLine("Bob", 0, text);
+        QVERIFY(w.drawn(text));
+        w.caretAt(clickOn, 1);
+        QCOMPARE(w.opened, QStringList{opens});
+    }
+
+    // Thousands of lines in one arrival: the arrival only queues them, and the box then keeps
+    // the newest lines only, in order, after its empty first line.
+    void burstKeepsTheNewestLines()
+    {
+        ChatWindow w;
+        QByteArray burst;
+        for (int i = 0; i < 3000; ++i)
+            burst += protocol::ChatLineToClient{"Al", 0, QString("line %1 .").arg(i)}.encode();
+        w.dispatcher.receive(burst);
+        QCOMPARE(w.txtChat->document()->blockCount(), 1);
+        QVERIFY(w.drawn("line 2999 ."));
+
+        QTextDocument *doc = w.txtChat->document();
+        QCOMPARE(doc->blockCount(), ChatBox::kMaxLines + 1);
+        QCOMPARE(doc->firstBlock().text(), QString());
+        QVERIFY(doc->findBlockByNumber(1).text().endsWith(
+            QString("line %1 . ").arg(3000 - ChatBox::kMaxLines)));
+        QCOMPARE(w.chat.log().lines().size(), ChatLog::kMaxLines);
+        QCOMPARE(w.chat.log().lines().first().text,
+                 QString("line %1 .").arg(3000 - ChatLog::kMaxLines));
     }
 
     // Whole seconds count: the send passes when more than three have gone by.
