@@ -33,6 +33,7 @@
 #include "client/platform/detachedprocessstarter.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/inotifyfolderwatcher.h"
+#include "client/platform/privatefiles.h"
 #include "client/platform/proctcptable.h"
 #include "client/platform/trayservice.h"
 #include "client/platform/x11gamewindowfinder.h"
@@ -385,7 +386,7 @@ void ClientApplication::loadOptions()
 
 bool ClientApplication::start()
 {
-    if (m_dataFolder.isEmpty() || !QDir().mkpath(m_dataFolder)) {
+    if (m_dataFolder.isEmpty() || !PrivateFiles::makeFolder(m_dataFolder)) {
         m_services.dialogs->messageBox(applicationTitle(),
                                        QStringLiteral("Error %1 in SpecialFolder: %2")
                                            .arg(DataFolder::kNotFoundError)

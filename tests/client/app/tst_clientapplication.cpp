@@ -1,13 +1,16 @@
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
 #include "client/lobby/frmlogin.h"
+#include "client/options/frmoptions.h"
 #include "client/pager/frmpager.h"
+#include "client/platform/privatefiles.h"
 #include "client/presence/frmmenu.h"
 #include "client/rooms/frmroom.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
 #include "support/appharness.h"
+#include "support/files.h"
 
 #include <QDir>
 #include <QLineEdit>
@@ -44,6 +47,42 @@ private Q_SLOTS:
             QCOMPARE(timer->interval(), interval);
             QVERIFY(!timer->isActive());
         }
+    }
+
+    // The data folder and the files holding the password or the settings are open to their
+    // owner only, also when an earlier version left them open to everyone.
+    void filesArePrivate_data()
+    {
+        QTest::addColumn<bool>("existedOpen");
+        QTest::newRow("new") << false;
+        QTest::newRow("left open before") << true;
+    }
+    void filesArePrivate()
+    {
+        QFETCH(bool, existedOpen);
+        AppHarness h;
+        const QDir data(h.dataFolder());
+        const auto open = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
+                          QFile::ReadOther | QFile::ReadUser | QFile::WriteUser;
+        if (existedOpen) {
+            for (const char *name : {"user.txt", "settingRS.txt"}) {
+                QVERIFY(writeFile(data.filePath(name), "x\r\n"));
+                QVERIFY(QFile::setPermissions(data.filePath(name), open));
+            }
+            QVERIFY(QFile::setPermissions(h.dataFolder(), open | QFile::ExeOwner | QFile::ExeUser |
+                                                              QFile::ExeGroup | QFile::ExeOther));
+        }
+        QVERIFY(h.app.start());
+        QTest::mouseClick(h.app.windows().frmLogIn()->Picture3, Qt::LeftButton);
+        QTest::mouseClick(h.app.windows().frmOptions()->picClose, Qt::LeftButton);
+
+        const auto owner = [](const QString &path) {
+            return QFileInfo(path).permissions() &
+                   ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser);
+        };
+        QCOMPARE(owner(h.dataFolder()), PrivateFiles::kFolder);
+        QCOMPARE(owner(data.filePath("user.txt")), PrivateFiles::kFile);
+        QCOMPARE(owner(data.filePath("settingRS.txt")), PrivateFiles::kFile);
     }
 
     // Closing the login window unloads it: the next one forgets what was typed. Windows exist
