@@ -104,12 +104,7 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     m_tmrStatsReset->setInterval(500);
     connect(m_options, &Options::resetChanged, m_tmrStatsReset,
             [this](bool on) { on ? m_tmrStatsReset->start() : m_tmrStatsReset->stop(); });
-    connect(m_form->picOptions, &QAbstractButton::clicked, this, [this] {
-        FrmOptions *window = m_windows->frmOptions();
-        window->setWindowModality(Qt::ApplicationModal);
-        window->show();
-        window->raise();
-    });
+    connect(m_form->picOptions, &QAbstractButton::clicked, this, &ClientApplication::showOptions);
     connect(m_form.get(), &Form1::unloading, this, &ClientApplication::shutDown);
 }
 
@@ -145,8 +140,11 @@ void ClientApplication::buildWindows()
 {
     AppWindows::Factories factories;
     factories.logIn = [this] {
-        auto *window = new FrmLogIn(credentialsPath());
-        connect(window, &FrmLogIn::loginRequested, m_login, &LoginController::loginPressed);
+        auto *window = new FrmLogIn(credentialsPath(), m_servers.lobby);
+        connect(window, &FrmLogIn::loginRequested, this, [this](const HostPort &lobby) {
+            useLobby(lobby);
+            m_login->loginPressed();
+        });
         return window;
     };
     factories.options = [this] {
@@ -381,7 +379,48 @@ void ClientApplication::loadOptions()
     if (m_optionsLoaded)
         return;
     m_optionsLoaded = true;
-    m_optionsStore->load();
+    m_gameFoldersMissing = !m_optionsStore->load();
+}
+
+void ClientApplication::showOptions()
+{
+    FrmOptions *window = m_windows->frmOptions();
+    window->setWindowModality(Qt::ApplicationModal);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+void ClientApplication::useLobby(const HostPort &lobby)
+{
+    m_servers.lobby = lobby;
+    m_session->lobbyServerHost = lobby.host;
+    m_session->lobbyPort = lobby.port;
+    const HostPort web = m_servers.webOrLobbyHost();
+    m_session->webHost = web.host;
+    m_session->webPort = web.port;
+    m_servers.save(m_dataFolder);
+}
+
+void ClientApplication::offerFirstSteps()
+{
+    // A first start finds no game and no login: the user is led to both rather than left
+    // before an empty window.
+    if (m_gameFoldersMissing &&
+        m_services.dialogs->messageBox(applicationTitle(), QString::fromLatin1(kOfferOptionsText),
+                                       Dialogs::Buttons::YesNo,
+                                       Dialogs::Icon::Question) == Dialogs::Answer::Yes)
+        showOptions();
+    if (m_options->autoLogIn() || !CredentialsFile::read(credentialsPath()).name.isEmpty())
+        return;
+    FrmOptions *options = m_windows->isOptionsShown() ? m_windows->frmOptions() : nullptr;
+    if (!options) {
+        m_windows->frmLogIn()->showModal();
+        return;
+    }
+    connect(
+        options, &FrmOptions::closed, this, [this] { m_windows->frmLogIn()->showModal(); },
+        Qt::SingleShotConnection);
 }
 
 bool ClientApplication::start()
@@ -419,6 +458,7 @@ bool ClientApplication::start()
     m_autoStart->applyRunValue();
     if (m_options->autoLogIn())
         m_login->autoLogin();
+    offerFirstSteps();
     return true;
 }
 

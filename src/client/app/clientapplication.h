@@ -60,6 +60,9 @@ class ClientApplication : public QObject
     Q_OBJECT
 
 public:
+    static constexpr auto kOfferOptionsText =
+        "No game folder is set yet. Open the options now to choose one?";
+
     // The operating-system services, owned by the caller; tests give their own.
     struct Services
     {
@@ -133,6 +136,12 @@ private:
     QString credentialsPath() const;
     void startGameQuery();
     void loadOptions();
+    void showOptions();
+    // The lobby address typed in the login window: used from now on and kept.
+    void useLobby(const HostPort &lobby);
+    // Offers the options when no game folder is known, and opens the login window when no
+    // login is saved.
+    void offerFirstSteps();
     void shutDown();
 
     Services m_services;
@@ -174,6 +183,7 @@ private:
     LaunchSites *m_launchSites = nullptr;
     InGameDetection *m_detection = nullptr;
     bool m_optionsLoaded = false;
+    bool m_gameFoldersMissing = false;
 };
 
 } // namespace client

@@ -1,5 +1,6 @@
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
+#include "client/lobby/credentialsfile.h"
 #include "client/lobby/frmlogin.h"
 #include "client/options/frmoptions.h"
 #include "client/pager/frmpager.h"
@@ -12,11 +13,13 @@
 #include "support/appharness.h"
 #include "support/files.h"
 
+#include <QCheckBox>
 #include <QDir>
 #include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTimer>
 
 using namespace client;
@@ -38,7 +41,8 @@ private Q_SLOTS:
         QCOMPARE(h.app.session().textSendTime, h.clock.now());
         QCOMPARE(h.app.session().webHost, QStringLiteral("localhost"));
         QCOMPARE(h.dialogs.asked,
-                 QStringList{"Could not find path to game, select at least one game in options"});
+                 (QStringList{"Could not find path to game, select at least one game in options",
+                              QString(ClientApplication::kOfferOptionsText) + " [Yes/No]"}));
         const QList<std::pair<const char *, int>> timers = {
             {"tmrReconnet", 20000}, {"Timer1", 10000}, {"tmrStatsReset", 500}};
         for (const auto &[name, interval] : timers) {
@@ -47,6 +51,59 @@ private Q_SLOTS:
             QCOMPARE(timer->interval(), interval);
             QVERIFY(!timer->isActive());
         }
+    }
+
+    // A first start leads the user in: after the warning about the game folders the options
+    // are offered, and without a saved login the login window opens (after the options, when
+    // they were taken). A saved login or auto-login opens nothing. Escape closes the options.
+    void firstStart_data()
+    {
+        QTest::addColumn<bool>("savedLogin");
+        QTest::addColumn<bool>("takeOptions");
+        QTest::addColumn<bool>("loginOpens");
+        QTest::newRow("fresh") << false << false << true;
+        QTest::newRow("fresh, options taken") << false << true << true;
+        QTest::newRow("saved login") << true << false << false;
+    }
+    void firstStart()
+    {
+        QFETCH(bool, savedLogin);
+        QFETCH(bool, takeOptions);
+        QFETCH(bool, loginOpens);
+        AppHarness h;
+        if (savedLogin)
+            QVERIFY(QDir().mkpath(h.dataFolder()) &&
+                    CredentialsFile::write(h.dataFolder() + "/user.txt", {"Ann", "pw"}));
+        h.dialogs.answers = {Dialogs::Answer::Ok,
+                             takeOptions ? Dialogs::Answer::Yes : Dialogs::Answer::No};
+        QVERIFY(h.app.start());
+        QCOMPARE(h.dialogs.asked.size(), 2);
+        AppWindows &windows = h.app.windows();
+        QCOMPARE(windows.isOptionsShown(), takeOptions);
+        if (takeOptions) {
+            QVERIFY(!windows.isLoginLoaded());
+            QTest::keyClick(windows.frmOptions()->chkSound, Qt::Key_Escape);
+            QVERIFY(!windows.isOptionsShown());
+            QVERIFY(QFile::exists(h.dataFolder() + "/settingRS.txt"));
+        }
+        QCOMPARE(windows.isLoginLoaded() && windows.frmLogIn()->isVisible(), loginOpens);
+    }
+
+    // The address typed in the login window is the one tried, kept for the next start; a
+    // failure names it.
+    void loginWindowSetsTheLobby()
+    {
+        AppHarness h;
+        QVERIFY(h.app.start());
+        FrmLogIn *window = h.app.windows().frmLogIn();
+        QCOMPARE(window->txtLobbyServer->text(), QStringLiteral("localhost:20000"));
+        window->txtLobbyServer->setText(QStringLiteral("127.0.0.1:1"));
+        QTest::mouseClick(window->Picture3, Qt::LeftButton);
+        QCOMPARE(ServerAddresses::load(h.dataFolder()).lobby.toString(),
+                 QStringLiteral("127.0.0.1:1"));
+        QCOMPARE(h.app.session().webHost, QStringLiteral("127.0.0.1"));
+        QTRY_VERIFY(h.app.form().txtChat->toPlainText().contains(
+            QStringLiteral("Could not connect to 127.0.0.1:1")));
     }
 
     // The data folder and the files holding the password or the settings are open to their
