@@ -33,6 +33,10 @@ struct TextSpan
 };
 QList<TextSpan> findWebAddresses(const QString &text);
 
+// The characters of `text` that code page 1252 cannot carry (they go out as "?"), each once,
+// in the order they first appear.
+QString uncarriedCharacters(QStringView text);
+
 // The time of day as a chat line shows it: the system's long time format without its time
 // zone.
 QString chatTimeText(const QTime &time);
