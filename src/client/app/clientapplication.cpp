@@ -5,6 +5,7 @@
 #include "client/app/form1.h"
 #include "client/app/sessionlooks.h"
 #include "client/app/traycontroller.h"
+#include "client/app/windowplacer.h"
 #include "client/game/findgameserver.h"
 #include "client/game/frmgameinfo.h"
 #include "client/game/gameinfo.h"
@@ -185,6 +186,14 @@ void ClientApplication::buildWindows()
         return window;
     };
     factories.gameInfo = [this] { return new FrmGameInfo(*m_gameInfo); };
+    // Every window but the player menu (which opens at the mouse) opens over the main window.
+    auto *placer = new WindowPlacer(*m_form, this);
+    factories.logIn = placer->placed(std::move(factories.logIn));
+    factories.options = placer->placed(std::move(factories.options));
+    factories.room = placer->placed(std::move(factories.room));
+    factories.pager = placer->placed(std::move(factories.pager));
+    factories.makeRoom = placer->placed(std::move(factories.makeRoom));
+    factories.gameInfo = placer->placed(std::move(factories.gameInfo));
     m_windows = new AppWindows(std::move(factories), this);
 
     connect(m_gameInfo, &GameInfo::showRequested, this, [this] {

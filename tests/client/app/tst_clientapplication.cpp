@@ -1,11 +1,13 @@
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
+#include "client/game/frmgameinfo.h"
 #include "client/lobby/credentialsfile.h"
 #include "client/lobby/frmlogin.h"
 #include "client/options/frmoptions.h"
 #include "client/pager/frmpager.h"
 #include "client/platform/privatefiles.h"
 #include "client/presence/frmmenu.h"
+#include "client/rooms/frmmakeroom.h"
 #include "client/rooms/frmroom.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/borderlesswindow.h"
@@ -104,6 +106,39 @@ private Q_SLOTS:
         QCOMPARE(h.app.session().webHost, QStringLiteral("127.0.0.1"));
         QTRY_VERIFY(h.app.form().txtChat->toPlainText().contains(
             QStringLiteral("Could not connect to 127.0.0.1:1")));
+    }
+
+    // The other windows open over the main window; shown again, one stays where the user put
+    // it.
+    void windowsOpenOverTheMainWindow_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char *name :
+             {"frmLogIn", "frmOptions", "frmRoom", "frmPager", "frmMakeRoom", "frmGameInfo"})
+            QTest::newRow(name) << QString(name);
+    }
+    void windowsOpenOverTheMainWindow()
+    {
+        QFETCH(QString, name);
+        AppHarness h;
+        QVERIFY(h.app.start());
+        AppWindows &w = h.app.windows();
+        const std::map<QString, std::function<QWidget *()>> windows{{"frmLogIn", [&] { return w.frmLogIn(); }},
+                                                                    {"frmOptions", [&] { return w.frmOptions(); }},
+                                                                    {"frmRoom", [&] { return w.frmRoom(); }},
+                                                                    {"frmPager", [&] { return w.frmPager(); }},
+                                                                    {"frmMakeRoom", [&] { return w.frmMakeRoom(); }},
+                                                                    {"frmGameInfo", [&] { return w.frmGameInfo(); }}};
+        QWidget *window = windows.at(name)();
+        window->hide();
+        window->show();
+        const QPoint offset =
+            window->frameGeometry().center() - h.app.form().frameGeometry().center();
+        QVERIFY2(offset.manhattanLength() <= 2, qPrintable(name));
+        window->move(5, 5);
+        window->hide();
+        window->show();
+        QCOMPARE(window->pos(), QPoint(5, 5));
     }
 
     // The data folder and the files holding the password or the settings are open to their
