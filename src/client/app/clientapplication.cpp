@@ -38,6 +38,7 @@
 #include "client/platform/proctcptable.h"
 #include "client/platform/trayservice.h"
 #include "client/platform/x11gamewindowfinder.h"
+#include "client/presence/chatarchive.h"
 #include "client/presence/frmmenu.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/playerlistclicks.h"
@@ -123,6 +124,10 @@ void ClientApplication::buildLobby()
     m_chat = new LobbyChat(m_form->txtChat, m_form->txtChatSend, m_form->Picture3, *m_connection,
                            *m_session, *m_services.clock, this);
     m_chat->registerHandler(*m_dispatcher);
+    if (!m_dataFolder.isEmpty())
+        (new ChatArchive(QDir(m_dataFolder).filePath(QStringLiteral("chat")), *m_services.clock,
+                         this))
+            ->attach(m_chat->log());
 
     configurePlayerListView(*m_form->ListView2, *m_players);
     m_playerHandlers = new PlayerListHandlers(*m_players, *m_dispatcher, this);

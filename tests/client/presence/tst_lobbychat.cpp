@@ -1,5 +1,6 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/presence/chatarchive.h"
 #include "client/presence/chatinput.h"
 #include "client/presence/chatlog.h"
 #include "client/presence/chatwords.h"
@@ -12,9 +13,11 @@
 #include "support/scriptedserver.h"
 #include "support/wait.h"
 
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
@@ -301,6 +304,63 @@ private Q_SLOTS:
         QCOMPARE(w.chat.log().lines().size(), ChatLog::kMaxLines);
         QCOMPARE(w.chat.log().lines().first().text,
                  QString("line %1 .").arg(3000 - ChatLog::kMaxLines));
+    }
+
+    // The chat kept on disk comes back after a restart: the newest lines, oldest first, with
+    // their times, colours and whatever their text holds, across days; a day's file stops
+    // growing at its cap and the oldest days go past the folder's.
+    void archiveKeepsTheNewestLines()
+    {
+        QTemporaryDir home;
+        const QString folder = home.filePath("chat");
+        const ChatArchive::Limits limits{
+            .maxDayBytes = 400, .maxTotalBytes = 500, .restoredLines = 4};
+        const QStringList odd{"tab\there", "two\nlines\r", "back\\slash \\t", "\u6f22 \U0001F600"};
+        {
+            ChatWindow w;
+            ChatArchive archive(folder, w.clock, limits);
+            archive.attach(w.chat.log());
+            w.clock.set(QDateTime(QDate(2026, 3, 1), QTime(23, 59, 58)));
+            for (const QString &text : odd)
+                w.chat.addChatLine("Al\tx", 255, text);
+            QTRY_VERIFY(QFile::exists(folder + "/2026-03-01.txt"));
+            for (int i = 0; i < 20; ++i) // past the day's cap
+                w.chat.addChatLine("Bo", 0, QString("filler %1").arg(i));
+            QTRY_VERIFY(QFileInfo(folder + "/2026-03-01.txt").size() > 300);
+            QVERIFY(QFileInfo(folder + "/2026-03-01.txt").size() <= 400);
+            w.clock.set(QDateTime(QDate(2026, 3, 2), QTime(0, 0, 1)));
+            w.chat.addChatLine("Cy", 0, "next day");
+            QTRY_VERIFY(QFile::exists(folder + "/2026-03-02.txt"));
+        }
+        QCOMPARE(QFileInfo(folder + "/2026-03-01.txt").permissions() & 0x0077, 0);
+
+        ChatWindow w;
+        ChatArchive(folder, w.clock, limits).attach(w.chat.log());
+        const QList<ChatLine> &lines = w.chat.log().lines();
+        QCOMPARE(lines.size(), 4);
+        QCOMPARE(lines.last().text, QString("next day"));
+        QCOMPARE(lines.last().time, QTime(0, 0, 1));
+        QVERIFY(lines[0].text.startsWith("filler"));
+
+        ChatWindow first;
+        ChatArchive(folder, first.clock, {.restoredLines = 30}).attach(first.chat.log());
+        const QList<ChatLine> &all = first.chat.log().lines();
+        QCOMPARE(all.first().name, QString("Al\tx"));
+        QCOMPARE(all.first().colour, QColor(Qt::red));
+        QStringList texts;
+        for (int i = 0; i < odd.size(); ++i)
+            texts << all[i].text;
+        QCOMPARE(texts, odd);
+        QVERIFY(first.drawn("next day"));
+
+        // Old days go once the folder passes its cap; the day just begun stays.
+        first.clock.set(QDateTime(QDate(2026, 3, 3), QTime(9, 0)));
+        ChatArchive third(folder, first.clock, limits);
+        third.attach(first.chat.log());
+        first.chat.addChatLine("Di", 0, QString(300, u'x'));
+        QTRY_VERIFY(QFile::exists(folder + "/2026-03-03.txt"));
+        QVERIFY(!QFile::exists(folder + "/2026-03-01.txt"));
+        QVERIFY(QFile::exists(folder + "/2026-03-02.txt"));
     }
 
     // Whole seconds count: the send passes when more than three have gone by.
