@@ -37,10 +37,10 @@ bool isOpenableWord(QStringView word)
 QList<TextSpan> findWebAddresses(const QString &text)
 {
     // What a rich-text box links by itself: a scheme or "www." that starts a word, up to the
-    // next blank, without the punctuation that usually ends a sentence.
+    // next blank or line break, without the punctuation that usually ends a sentence.
     static const QRegularExpression address(
         QStringLiteral("(?<![\\w.@])(?:(?:https?|ftp|file)://|mailto:|news:|www\\.)\\S+"),
-        QRegularExpression::CaseInsensitiveOption);
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
     QList<TextSpan> spans;
     for (auto it = address.globalMatch(text); it.hasNext();) {
         const QRegularExpressionMatch match = it.next();

@@ -14,7 +14,6 @@
 #include <QApplication>
 #include <QFile>
 #include <QLineEdit>
-#include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -220,17 +219,6 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), asked.isEmpty() ? QByteArray("G\xF6ran\r\npass word\r\n")
                                                  : QByteArray("\xC5sa\r\nx1\r\n"));
-    }
-
-    // Escape closes the login window, which unloads it.
-    void escapeCloses()
-    {
-        QTemporaryDir dir;
-        QPointer<FrmLogIn> window = new FrmLogIn(dir.filePath("user.txt"), {"h", 1});
-        window->show();
-        QTest::keyClick(window->txtName, Qt::Key_Escape);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(window.isNull());
     }
 };
 
