@@ -467,6 +467,8 @@ bool ClientApplication::start()
     m_session->inGame = false;
     m_session->exitPager = false;
     m_session->keepAliveTicks = 1;
+    // The tray's tip names the saved user from the start.
+    m_session->ownName = CredentialsFile::read(credentialsPath()).name;
     m_tray->addIcon();
     loadOptions();
     m_autoStart->applyRunValue();
