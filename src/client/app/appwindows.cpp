@@ -56,6 +56,11 @@ FrmGameInfo *AppWindows::frmGameInfo()
     return m_gameInfo.get();
 }
 
+bool AppWindows::isOptionsShown() const
+{
+    return m_options.isLoaded() && m_options.loaded()->isVisible();
+}
+
 template <typename Window> void AppWindows::unload(WindowSlot<Window> &slot)
 {
     if (Window *window = slot.loaded()) {

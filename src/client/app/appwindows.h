@@ -46,6 +46,7 @@ public:
     FrmGameInfo *frmGameInfo();
 
     bool isLoginLoaded() const { return m_logIn.isLoaded(); }
+    bool isOptionsShown() const;
     bool isRoomLoaded() const { return m_room.isLoaded(); }
     void unloadLogIn();
     void unloadRoom();

@@ -5,6 +5,7 @@
 #include "client/app/form1.h"
 #include "client/app/sessionlooks.h"
 #include "client/app/traycontroller.h"
+#include "client/app/windowplacer.h"
 #include "client/game/findgameserver.h"
 #include "client/game/frmgameinfo.h"
 #include "client/game/gameinfo.h"
@@ -33,10 +34,12 @@
 #include "client/platform/detachedprocessstarter.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/inotifyfolderwatcher.h"
+#include "client/platform/privatefiles.h"
 #include "client/platform/proctcptable.h"
 #include "client/platform/trayservice.h"
 #include "client/platform/x11gamewindowfinder.h"
 #include "client/platform/x11keystate.h"
+#include "client/presence/chatarchive.h"
 #include "client/presence/frmmenu.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/playerlistclicks.h"
@@ -109,12 +112,7 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     connect(m_options, &Options::resetChanged, m_tmrStatsReset,
             [this](bool on) { on ? m_tmrStatsReset->start() : m_tmrStatsReset->stop(); });
     buildStats();
-    connect(m_form->picOptions, &QAbstractButton::clicked, this, [this] {
-        FrmOptions *window = m_windows->frmOptions();
-        window->setWindowModality(Qt::ApplicationModal);
-        window->show();
-        window->raise();
-    });
+    connect(m_form->picOptions, &QAbstractButton::clicked, this, &ClientApplication::showOptions);
     connect(m_form.get(), &Form1::unloading, this, &ClientApplication::shutDown);
 }
 
@@ -132,6 +130,10 @@ void ClientApplication::buildLobby()
     m_chat = new LobbyChat(m_form->txtChat, m_form->txtChatSend, m_form->Picture3, *m_connection,
                            *m_session, *m_services.clock, this);
     m_chat->registerHandler(*m_dispatcher);
+    if (!m_dataFolder.isEmpty())
+        (new ChatArchive(QDir(m_dataFolder).filePath(QStringLiteral("chat")), *m_services.clock,
+                         this))
+            ->attach(m_chat->log());
 
     configurePlayerListView(*m_form->ListView2, *m_players);
     m_playerHandlers = new PlayerListHandlers(*m_players, *m_dispatcher, this);
@@ -150,8 +152,11 @@ void ClientApplication::buildWindows()
 {
     AppWindows::Factories factories;
     factories.logIn = [this] {
-        auto *window = new FrmLogIn(credentialsPath());
-        connect(window, &FrmLogIn::loginRequested, m_login, &LoginController::loginPressed);
+        auto *window = new FrmLogIn(credentialsPath(), m_servers.lobby);
+        connect(window, &FrmLogIn::loginRequested, this, [this](const HostPort &lobby) {
+            useLobby(lobby);
+            m_login->loginPressed();
+        });
         return window;
     };
     factories.options = [this] {
@@ -192,6 +197,14 @@ void ClientApplication::buildWindows()
         return window;
     };
     factories.gameInfo = [this] { return new FrmGameInfo(*m_gameInfo); };
+    // Every window but the player menu (which opens at the mouse) opens over the main window.
+    auto *placer = new WindowPlacer(*m_form, this);
+    factories.logIn = placer->placed(std::move(factories.logIn));
+    factories.options = placer->placed(std::move(factories.options));
+    factories.room = placer->placed(std::move(factories.room));
+    factories.pager = placer->placed(std::move(factories.pager));
+    factories.makeRoom = placer->placed(std::move(factories.makeRoom));
+    factories.gameInfo = placer->placed(std::move(factories.gameInfo));
     m_windows = new AppWindows(std::move(factories), this);
 
     connect(m_gameInfo, &GameInfo::showRequested, this, [this] {
@@ -403,12 +416,53 @@ void ClientApplication::loadOptions()
     if (m_optionsLoaded)
         return;
     m_optionsLoaded = true;
-    m_optionsStore->load();
+    m_gameFoldersMissing = !m_optionsStore->load();
+}
+
+void ClientApplication::showOptions()
+{
+    FrmOptions *window = m_windows->frmOptions();
+    window->setWindowModality(Qt::ApplicationModal);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+void ClientApplication::useLobby(const HostPort &lobby)
+{
+    m_servers.lobby = lobby;
+    m_session->lobbyServerHost = lobby.host;
+    m_session->lobbyPort = lobby.port;
+    const HostPort web = m_servers.webOrLobbyHost();
+    m_session->webHost = web.host;
+    m_session->webPort = web.port;
+    m_servers.save(m_dataFolder);
+}
+
+void ClientApplication::offerFirstSteps()
+{
+    // A first start finds no game and no login: the user is led to both rather than left
+    // before an empty window.
+    if (m_gameFoldersMissing &&
+        m_services.dialogs->messageBox(applicationTitle(), QString::fromLatin1(kOfferOptionsText),
+                                       Dialogs::Buttons::YesNo,
+                                       Dialogs::Icon::Question) == Dialogs::Answer::Yes)
+        showOptions();
+    if (m_options->autoLogIn() || !CredentialsFile::read(credentialsPath()).name.isEmpty())
+        return;
+    FrmOptions *options = m_windows->isOptionsShown() ? m_windows->frmOptions() : nullptr;
+    if (!options) {
+        m_windows->frmLogIn()->showModal();
+        return;
+    }
+    connect(
+        options, &FrmOptions::closed, this, [this] { m_windows->frmLogIn()->showModal(); },
+        Qt::SingleShotConnection);
 }
 
 bool ClientApplication::start()
 {
-    if (m_dataFolder.isEmpty() || !QDir().mkpath(m_dataFolder)) {
+    if (m_dataFolder.isEmpty() || !PrivateFiles::makeFolder(m_dataFolder)) {
         m_services.dialogs->messageBox(applicationTitle(),
                                        QStringLiteral("Error %1 in SpecialFolder: %2")
                                            .arg(DataFolder::kNotFoundError)
@@ -436,11 +490,14 @@ bool ClientApplication::start()
     m_session->inGame = false;
     m_session->exitPager = false;
     m_session->keepAliveTicks = 1;
+    // The tray's tip names the saved user from the start.
+    m_session->ownName = CredentialsFile::read(credentialsPath()).name;
     m_tray->addIcon();
     loadOptions();
     m_autoStart->applyRunValue();
     if (m_options->autoLogIn())
         m_login->autoLogin();
+    offerFirstSteps();
     return true;
 }
 

@@ -61,6 +61,9 @@ class ClientApplication : public QObject
     Q_OBJECT
 
 public:
+    static constexpr auto kOfferOptionsText =
+        "No game folder is set yet. Open the options now to choose one?";
+
     // The operating-system services, owned by the caller; tests give their own.
     struct Services
     {
@@ -137,6 +140,12 @@ private:
     QString credentialsPath() const;
     void startGameQuery();
     void loadOptions();
+    void showOptions();
+    // The lobby address typed in the login window: used from now on and kept.
+    void useLobby(const HostPort &lobby);
+    // Offers the options when no game folder is known, and opens the login window when no
+    // login is saved.
+    void offerFirstSteps();
     void shutDown();
 
     Services m_services;
@@ -179,6 +188,7 @@ private:
     InGameDetection *m_detection = nullptr;
     std::unique_ptr<KeyState> m_ownKeyState;
     bool m_optionsLoaded = false;
+    bool m_gameFoldersMissing = false;
 };
 
 } // namespace client

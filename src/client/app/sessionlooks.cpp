@@ -1,6 +1,7 @@
 #include "client/app/sessionlooks.h"
 
 #include "client/app/form1.h"
+#include "client/platform/dialogs.h"
 #include "client/platform/trayservice.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/icons.h"
@@ -9,14 +10,18 @@
 namespace client {
 
 SessionLooks::SessionLooks(Form1 &form, TrayService &tray, SessionState &session, QObject *parent)
-    : QObject(parent), m_form(form), m_tray(tray)
+    : QObject(parent), m_form(form), m_tray(tray), m_session(session)
 {
     connect(&session, &SessionState::onlineChanged, this, &SessionLooks::apply);
 }
 
-QString SessionLooks::trayTip(bool online)
+QString SessionLooks::trayTip(bool online, const QString &user)
 {
-    return online ? QStringLiteral("Logged In") : QStringLiteral("Logged out");
+    QStringList parts{applicationTitle()};
+    if (!user.isEmpty())
+        parts << user;
+    parts << (online ? QStringLiteral("Logged In") : QStringLiteral("Logged out"));
+    return parts.join(QStringLiteral(" - "));
 }
 
 void SessionLooks::apply(bool online)
@@ -27,7 +32,7 @@ void SessionLooks::apply(bool online)
     m_form.picCreateRoom->setVisible(online);
     m_form.picResetStats->setVisible(online);
     m_form.setWindowIcon(Icons::smallIcon(online ? Icons::WindowOnline : Icons::WindowOffline));
-    m_tray.modify(m_form.windowIcon(), trayTip(online));
+    m_tray.modify(m_form.windowIcon(), trayTip(online, m_session.ownName));
 }
 
 } // namespace client

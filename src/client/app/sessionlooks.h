@@ -20,11 +20,14 @@ public:
     SessionLooks(Form1 &form, TrayService &tray, SessionState &session, QObject *parent = nullptr);
 
     void apply(bool online);
-    static QString trayTip(bool online);
+    // The tray's tool tip: the program, the user who logged in last (when any) and "Logged In"
+    // or "Logged out".
+    static QString trayTip(bool online, const QString &user = {});
 
 private:
     Form1 &m_form;
     TrayService &m_tray;
+    const SessionState &m_session;
 };
 
 } // namespace client

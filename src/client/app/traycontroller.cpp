@@ -25,7 +25,7 @@ TrayController::TrayController(TrayService &tray, Form1 &form, SessionState &ses
 
 void TrayController::addIcon()
 {
-    m_tray.add(m_form.windowIcon(), SessionLooks::trayTip(false));
+    m_tray.add(m_form.windowIcon(), SessionLooks::trayTip(false, m_session.ownName));
 }
 
 void TrayController::removeIcon()

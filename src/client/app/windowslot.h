@@ -15,7 +15,8 @@ public:
     using Factory = std::function<Window *()>;
 
     explicit WindowSlot(Factory factory) : m_factory(std::move(factory)) {}
-    ~WindowSlot() { unload(); }
+    // Destroys the window at once: it may show what the parts destroyed after it hold.
+    ~WindowSlot() { delete m_window.data(); }
     WindowSlot(const WindowSlot &) = delete;
     WindowSlot &operator=(const WindowSlot &) = delete;
 

@@ -41,6 +41,8 @@ quint16 GameServerQuery::localPort(int slot) const
 
 void GameServerQuery::queryGameInfo(const QString &address)
 {
+    // Only this server's answer may open the game-info window, until another is asked.
+    m_gameInfoServer = QHostAddress(address);
     send(kGameInfoSlot, address);
 }
 
@@ -111,6 +113,8 @@ void GameServerQuery::readReplies(int slot)
         if (!datagram.data().contains(kReplyMark))
             continue;
 
+        if (slot == kGameInfoSlot && !isFromGameInfoServer(datagram))
+            continue;
         const QString data = protocol::fromCp1252(datagram.data());
         if (slot == kGameInfoSlot) {
             m_gameInfo.addInfo(data, true);
@@ -123,6 +127,12 @@ void GameServerQuery::readReplies(int slot)
         releaseSocket(slot);
         return;
     }
+}
+
+bool GameServerQuery::isFromGameInfoServer(const QNetworkDatagram &datagram) const
+{
+    return !m_gameInfoServer.isNull() && datagram.senderPort() == m_queryPort &&
+           datagram.senderAddress().isEqual(m_gameInfoServer, QHostAddress::TolerantConversion);
 }
 
 void GameServerQuery::fillRow(const QString &sender, qint64 ping)

@@ -2,11 +2,13 @@
 
 #include "client/game/gameport.h"
 
+#include <QHostAddress>
 #include <QObject>
 #include <QString>
 #include <array>
 #include <optional>
 
+class QNetworkDatagram;
 class QUdpSocket;
 
 namespace client {
@@ -19,7 +21,8 @@ class TickCount;
 // answers. Slot 0 serves the game-info window; slots 1..100 serve room pings in turn, each a
 // fresh socket whose send time gives the ping. A ping reply fills the running-game row whose
 // address sent it (host, room name, ping, players, map); every reply also replaces what
-// `GameInfo` holds. Only replies that carry "queryid" count.
+// `GameInfo` holds. Only replies that carry "queryid" count, and on slot 0 only the one from
+// the game port of the server asked last: a datagram from anyone else opens no window.
 class GameServerQuery : public QObject
 {
     Q_OBJECT
@@ -62,12 +65,14 @@ private:
     void send(int slot, const QString &address);
     void readReplies(int slot);
     void fillRow(const QString &sender, qint64 ping);
+    bool isFromGameInfoServer(const QNetworkDatagram &datagram) const;
 
     RoomListModel &m_rooms;
     GameInfo &m_gameInfo;
     const TickCount &m_ticks;
     quint16 m_queryPort = GamePort;
     quint16 m_nextPingSlot = 0;
+    QHostAddress m_gameInfoServer; // asked last on slot 0; none before the first query
     std::array<Slot, kPingSlots + 1> m_slots;
 };
 

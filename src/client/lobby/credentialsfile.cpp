@@ -1,5 +1,6 @@
 #include "client/lobby/credentialsfile.h"
 
+#include "client/platform/privatefiles.h"
 #include "protocol/cp1252.h"
 
 #include <QFile>
@@ -32,7 +33,7 @@ Credentials read(const QString &path)
 bool write(const QString &path, const Credentials &credentials)
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(PrivateFiles::kFile))
         return false;
     file.write(protocol::toCp1252(credentials.name) + "\r\n");
     file.write(protocol::toCp1252(credentials.password) + "\r\n");

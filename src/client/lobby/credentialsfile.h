@@ -5,7 +5,8 @@
 namespace client {
 
 // user.txt in the data folder: the saved user name and password, two lines in code page
-// 1252, each ended by CR LF, in plain text (the server needs the password as typed).
+// 1252, each ended by CR LF, in plain text (the server needs the password as typed), readable
+// by its owner only.
 struct Credentials
 {
     QString name;

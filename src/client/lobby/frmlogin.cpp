@@ -3,12 +3,13 @@
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 
 namespace client {
 
-FrmLogIn::FrmLogIn(QString credentialsPath, QWidget *parent)
+FrmLogIn::FrmLogIn(QString credentialsPath, const HostPort &lobby, QWidget *parent)
     : BorderlessWindow({.objectName = "frmLogIn",
                         .title = QStringLiteral("Login"),
                         .size = kSize,
@@ -26,7 +27,11 @@ FrmLogIn::FrmLogIn(QString credentialsPath, QWidget *parent)
     txtPassword = addControl<QLineEdit>("txtPassword", {96, 72, 150, 24});
     txtPassword->setEchoMode(QLineEdit::Password);
 
-    Picture3 = addControl<PictureButton>("Picture3", {214, 104, 32, 30});
+    lblLobbyServer = addLabel("lblLobbyServer", QStringLiteral("Lobby server"), {12, 104, 80, 22});
+    txtLobbyServer = addControl<QLineEdit>("txtLobbyServer", {96, 104, 150, 24});
+    txtLobbyServer->setText(lobby.toString());
+
+    Picture3 = addControl<PictureButton>("Picture3", {214, 136, 32, 30});
     Picture3->setPicture(Icons::smallIcon(Icons::LogInOnline));
     Picture3->setToolTip(tr("Login"));
 
@@ -34,11 +39,38 @@ FrmLogIn::FrmLogIn(QString credentialsPath, QWidget *parent)
     txtName->setText(saved.name);
     txtPassword->setText(saved.password);
 
-    connect(Picture3, &QAbstractButton::clicked, this, [this] {
-        CredentialsFile::write(m_credentialsPath, credentials());
-        Q_EMIT loginRequested();
-    });
+    connect(Picture3, &QAbstractButton::clicked, this, &FrmLogIn::loginClicked);
     connect(txtPassword, &QLineEdit::returnPressed, Picture3, &QAbstractButton::click);
+    connect(txtLobbyServer, &QLineEdit::returnPressed, Picture3, &QAbstractButton::click);
+    connect(txtLobbyServer, &QLineEdit::textEdited, this, [this] {
+        txtLobbyServer->setStyleSheet({});
+        txtLobbyServer->setToolTip({});
+    });
+}
+
+void FrmLogIn::loginClicked()
+{
+    const std::optional<HostPort> lobby =
+        HostPort::parse(txtLobbyServer->text(), ServerAddresses::kLobbyPort);
+    if (!lobby) {
+        txtLobbyServer->setStyleSheet(QStringLiteral("QLineEdit { background: #ffd0d0; }"));
+        txtLobbyServer->setToolTip(
+            tr("Give the lobby server as HOST or HOST:PORT (port %1 when none is given).")
+                .arg(ServerAddresses::kLobbyPort));
+        txtLobbyServer->setFocus();
+        return;
+    }
+    CredentialsFile::write(m_credentialsPath, credentials());
+    Q_EMIT loginRequested(*lobby);
+}
+
+void FrmLogIn::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        closeClicked();
+        return;
+    }
+    BorderlessWindow::keyPressEvent(event);
 }
 
 Credentials FrmLogIn::credentials() const

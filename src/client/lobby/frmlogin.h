@@ -1,6 +1,7 @@
 #pragma once
 
 #include "client/lobby/credentialsfile.h"
+#include "client/session/lobbyaddress.h"
 #include "client/ui/borderlesswindow.h"
 
 class QLabel;
@@ -8,18 +9,20 @@ class QLineEdit;
 
 namespace client {
 
-// The login dialog: user name and password, a Login button and a close button. Creating it
-// fills both boxes from user.txt; Login saves them to user.txt and asks to log in. The close
-// button only closes it, which unloads it.
+// The login dialog: user name, password and the lobby server's address, a Login button and a
+// close button. Creating it fills the boxes from user.txt and the address in use; Login saves
+// the name and password to user.txt and asks to log in at the address typed (an address that
+// does not read as HOST[:PORT] is marked and nothing happens). The close button and Escape
+// only close it, which unloads it.
 class FrmLogIn : public BorderlessWindow
 {
     Q_OBJECT
 
 public:
-    static constexpr QSize kSize{260, 141};
+    static constexpr QSize kSize{260, 173};
 
-    // `credentialsPath` is user.txt in the data folder.
-    explicit FrmLogIn(QString credentialsPath, QWidget *parent = nullptr);
+    // `credentialsPath` is user.txt in the data folder; `lobby` the lobby server in use.
+    FrmLogIn(QString credentialsPath, const HostPort &lobby, QWidget *parent = nullptr);
 
     Credentials credentials() const;
     // Shows the dialog, modal to the whole program.
@@ -30,14 +33,21 @@ public:
     QLabel *Label2;                // "Password"
     QLineEdit *txtName;
     QLineEdit *txtPassword;
-    PictureButton *Picture3; // Login
+    QLabel *lblLobbyServer;    // "Lobby server"
+    QLineEdit *txtLobbyServer; // HOST[:PORT]
+    PictureButton *Picture3;   // Login
     PictureButton *Picture2 = closeButton();
 
 Q_SIGNALS:
-    // Login pressed; the boxes are saved to user.txt already.
-    void loginRequested();
+    // Login pressed; the name and password are saved to user.txt already.
+    void loginRequested(const client::HostPort &lobby);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void loginClicked();
+
     QString m_credentialsPath;
 };
 

@@ -5,6 +5,7 @@
 #include "client/lobby/lobbydispatcher.h"
 #include "client/session/clientversion.h"
 #include "client/session/eventsounds.h"
+#include "client/session/lobbyaddress.h"
 #include "client/session/sessionstate.h"
 #include "protocol/login.h"
 
@@ -112,7 +113,10 @@ void LoginController::onDropped()
 
 void LoginController::onConnectFailed()
 {
-    Q_EMIT statusLine(QStringLiteral("Could not connect"));
+    // The address tried, so that a mistyped or stale lobby address can be seen.
+    Q_EMIT statusLine(
+        QStringLiteral("Could not connect to %1")
+            .arg(HostPort{m_session.lobbyServerHost, m_session.lobbyPort}.toString()));
 }
 
 void LoginController::onOldVersion()

@@ -157,6 +157,15 @@ void FrmOptions::clearGameFolder(Game game)
         m_options.setPathBlackOps(QString());
 }
 
+void FrmOptions::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        closeClicked();
+        return;
+    }
+    BorderlessWindow::keyPressEvent(event);
+}
+
 void FrmOptions::closeClicked()
 {
     m_store.save();

@@ -57,6 +57,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     // Saves the settings, then hides the window.
     void closeClicked() override;
+    // Escape closes the window as `picClose` does.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QCheckBox *addCheckBox(const char *name, const QString &caption, const QString &toolTip,

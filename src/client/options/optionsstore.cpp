@@ -13,12 +13,14 @@ OptionsStore::OptionsStore(Options &options, const QString &dataFolder, DefaultG
 {
 }
 
-void OptionsStore::load()
+bool OptionsStore::load()
 {
     SettingsFile::read(m_settingsPath, m_options);
-    if (!m_defaults.fillEmpty(m_options))
-        m_dialogs.messageBox(applicationTitle(), DefaultGameFolders::missingMessage(),
-                             Dialogs::Buttons::Ok, Dialogs::Icon::Information);
+    if (m_defaults.fillEmpty(m_options))
+        return true;
+    m_dialogs.messageBox(applicationTitle(), DefaultGameFolders::missingMessage(),
+                         Dialogs::Buttons::Ok, Dialogs::Icon::Information);
+    return false;
 }
 
 bool OptionsStore::save()

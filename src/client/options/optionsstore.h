@@ -19,8 +19,8 @@ public:
 
     // The load step of the options: reads the settings file (a missing file keeps the
     // defaults), then probes the default game folders; when both folders are still empty,
-    // says so in a message box.
-    void load();
+    // says so in a message box and returns false.
+    bool load();
     // Writes all seven settings. False when the file cannot be written.
     bool save();
 

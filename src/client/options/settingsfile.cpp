@@ -1,6 +1,7 @@
 #include "client/options/settingsfile.h"
 
 #include "client/options/options.h"
+#include "client/platform/privatefiles.h"
 #include "client/session/blanks.h"
 #include "protocol/cp1252.h"
 
@@ -99,7 +100,7 @@ QByteArray format(const Options &options)
 bool write(const QString &path, const Options &options)
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(PrivateFiles::kFile))
         return false;
     file.write(format(options));
     return file.commit();

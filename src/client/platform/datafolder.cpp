@@ -1,5 +1,7 @@
 #include "client/platform/datafolder.h"
 
+#include "client/platform/privatefiles.h"
+
 #include <QDir>
 #include <QStandardPaths>
 
@@ -27,7 +29,7 @@ bool ensureExists()
     if (!folder)
         return false;
     // The result of creating it is not checked: a later read or write reports what fails.
-    QDir().mkpath(*folder);
+    PrivateFiles::makeFolder(*folder);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "client/platform/dialogs.h"
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLineEdit>
@@ -7,10 +8,26 @@
 
 namespace client {
 
+QWidget *QtDialogs::owner() const
+{
+    if (m_parent)
+        return m_parent;
+    if (QWidget *modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget *active = QApplication::activeWindow())
+        return active;
+    // The program is not in front: the dialog still opens over its main window.
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget *window) {
+        return window->isVisible() && window->objectName() == QLatin1String("Form1");
+    });
+    return main == windows.end() ? nullptr : *main;
+}
+
 Dialogs::Answer QtDialogs::messageBox(const QString &title, const QString &text, Buttons buttons,
                                       Icon icon)
 {
-    QMessageBox box(m_parent);
+    QMessageBox box(owner());
     box.setWindowTitle(title);
     box.setText(text);
     switch (icon) {
@@ -57,16 +74,15 @@ Dialogs::Answer QtDialogs::messageBox(const QString &title, const QString &text,
 
 QString QtDialogs::openFileName(const QString &title, const QString &filter)
 {
-    return QFileDialog::getOpenFileName(m_parent, title, QString(), filter);
+    return QFileDialog::getOpenFileName(owner(), title, QString(), filter);
 }
 
 QString QtDialogs::inputBox(const QString &prompt, const QString &title, const QString &defaultText,
                             bool masked)
 {
     bool ok = false;
-    const QString text =
-        QInputDialog::getText(m_parent, title, prompt,
-                              masked ? QLineEdit::Password : QLineEdit::Normal, defaultText, &ok);
+    const QString text = QInputDialog::getText(
+        owner(), title, prompt, masked ? QLineEdit::Password : QLineEdit::Normal, defaultText, &ok);
     return ok ? text : QString();
 }
 

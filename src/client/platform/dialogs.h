@@ -30,7 +30,8 @@ public:
                              const QString &defaultText = {}, bool masked = false) = 0;
 };
 
-// The real Qt dialogs, centred on `parent` when it is given.
+// The real Qt dialogs, centred on `parent` when it is given, else on the program's window in
+// front (a modal one first), else on its main window.
 class QtDialogs final : public Dialogs
 {
 public:
@@ -43,6 +44,8 @@ public:
                      bool masked) override;
 
 private:
+    QWidget *owner() const;
+
     QWidget *m_parent;
 };
 

@@ -6,6 +6,7 @@
 #include <QDesktopServices>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -60,30 +61,71 @@ ChatBox::ChatBox(QTextBrowser *txtChat, const ChatLog &log, LinkOpener opener, Q
     connect(txtChat, &QTextEdit::cursorPositionChanged, this, &ChatBox::onSelectionMoved);
     connect(txtChat, &QTextEdit::selectionChanged, this, &ChatBox::onSelectionMoved);
     for (const ChatLine &line : log.lines())
-        showLine(line);
-    connect(&log, &ChatLog::lineAppended, this, &ChatBox::showLine);
+        queueLine(line);
+    connect(&log, &ChatLog::lineAppended, this, &ChatBox::queueLine);
 }
 
-void ChatBox::showLine(const ChatLine &line)
+void ChatBox::queueLine(const ChatLine &line)
 {
-    if (!m_txtChat)
+    m_pending.append(line);
+    // Lines that would be pushed out of the box by the same batch are never drawn.
+    if (m_pending.size() > kMaxLines)
+        m_pending.removeFirst();
+    if (m_flushQueued)
+        return;
+    m_flushQueued = true;
+    QMetaObject::invokeMethod(this, &ChatBox::flush, Qt::QueuedConnection);
+}
+
+void ChatBox::flush()
+{
+    m_flushQueued = false;
+    if (!m_txtChat || m_pending.isEmpty())
         return;
     const QScopedValueRollback appending(m_appending, true);
     const QColor black(Qt::black);
-    QTextCursor cursor(m_txtChat->document());
+    QTextDocument *document = m_txtChat->document();
+    QTextCursor cursor(document);
+    cursor.beginEditBlock();
     cursor.movePosition(QTextCursor::End);
-    cursor.insertText(QStringLiteral("\r\n") + chatTimeText(line.time) + QStringLiteral("  "),
-                      plainFormat(black, false));
-    insertWithLinks(cursor, line.name, plainFormat(black, true));
-    cursor.insertText(QStringLiteral("  >   "), plainFormat(black, false));
-    insertWithLinks(cursor, line.text + u' ', plainFormat(line.colour, false));
+    const qsizetype count = std::min<qsizetype>(m_pending.size(), kLinesPerTurn);
+    for (qsizetype i = 0; i < count; ++i) {
+        const ChatLine &line = m_pending.at(i);
+        cursor.insertText(QStringLiteral("\r\n") + chatTimeText(line.time) + QStringLiteral("  "),
+                          plainFormat(black, false));
+        insertWithLinks(cursor, line.name, plainFormat(black, true));
+        cursor.insertText(QStringLiteral("  >   "), plainFormat(black, false));
+        insertWithLinks(cursor, line.text + u' ', plainFormat(line.colour, false));
+    }
+    m_pending.remove(0, count);
+    dropOldestLines(cursor);
+    cursor.endEditBlock();
+    if (!m_pending.isEmpty()) {
+        m_flushQueued = true;
+        QMetaObject::invokeMethod(this, &ChatBox::flush, Qt::QueuedConnection);
+    }
 
     // The newest line is shown, even when the user had scrolled up or selected something.
+    cursor.movePosition(QTextCursor::End);
     m_txtChat->setTextCursor(cursor);
     m_txtChat->ensureCursorVisible();
     QScrollBar *bar = m_txtChat->verticalScrollBar();
     bar->setValue(bar->maximum()); // past the caret's line: the box's bottom margin too
     m_lastCheckedStart = -1;
+}
+
+void ChatBox::dropOldestLines(QTextCursor &cursor)
+{
+    // Block 0 is the empty line the box starts with; each chat line is one block after it.
+    QTextDocument *document = cursor.document();
+    const int excess = document->blockCount() - 1 - kMaxLines;
+    if (excess <= 0)
+        return;
+    cursor.setPosition(0);
+    cursor.setPosition(document->findBlockByNumber(excess).position() +
+                           document->findBlockByNumber(excess).length() - 1,
+                       QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
 }
 
 void ChatBox::onSelectionMoved()
@@ -96,7 +138,7 @@ void ChatBox::onSelectionMoved()
     m_lastCheckedStart = start;
     const QString word = wordAtSelection(m_txtChat->document()->toRawText(), start);
     if (isOpenableWord(word) && m_openLink)
-        m_openLink(word);
+        m_openLink(addressInWord(word));
 }
 
 } // namespace client

@@ -1,12 +1,14 @@
 #include "client/presence/chatinput.h"
 
 #include "client/lobby/lobbyconnection.h"
+#include "client/presence/chatwords.h"
 #include "client/session/blanks.h"
 #include "protocol/chat.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QTimer>
 
 namespace client {
 
@@ -20,16 +22,24 @@ QString ChatInput::toolTipText()
     return QStringLiteral("Enter message and press ENTER");
 }
 
+QString ChatInput::uncarriedToolTip(const QString &characters)
+{
+    return QStringLiteral("These characters will arrive as \"?\": %1").arg(characters);
+}
+
 ChatInput::ChatInput(QLineEdit *txtChatSend, QAbstractButton *sendButton,
                      LobbyConnection &connection, SendRateGuard guard, QObject *parent)
     : QObject(parent), m_input(txtChatSend), m_sendButton(sendButton), m_connection(connection),
-      m_guard(guard)
+      m_guard(guard), m_waitTimer(new QTimer(this)), m_sendToolTip(sendButton->toolTip())
 {
     txtChatSend->setText(hintText());
     txtChatSend->setToolTip(toolTipText());
     sendButton->setEnabled(false);
     txtChatSend->installEventFilter(this);
     connect(sendButton, &QAbstractButton::clicked, this, &ChatInput::send);
+    connect(txtChatSend, &QLineEdit::textChanged, this, &ChatInput::markUncarried);
+    m_waitTimer->setInterval(kWaitPollMs);
+    connect(m_waitTimer, &QTimer::timeout, this, &ChatInput::showWait);
 }
 
 void ChatInput::send()
@@ -37,17 +47,55 @@ void ChatInput::send()
     if (!m_input)
         return;
     const QString line = trimBlanks(m_input->text()).toString();
-    if (line.isEmpty() || !m_guard.tryPass())
+    if (line.isEmpty())
         return;
+    if (!m_guard.tryPass()) {
+        showWait();
+        m_waitTimer->start();
+        return;
+    }
+    if (m_waitTimer->isActive())
+        endWait();
     m_connection.send(protocol::ChatLineToServer{line});
     m_input->clear();
+}
+
+void ChatInput::endWait()
+{
+    m_waitTimer->stop();
+    m_sendButton->setText({});
+    m_sendButton->setToolTip(m_sendToolTip);
+    m_sendButton->setEnabled(true);
+}
+
+void ChatInput::showWait()
+{
+    if (!m_sendButton)
+        return;
+    const int seconds = m_guard.secondsToWait();
+    if (seconds == 0) {
+        endWait();
+        return;
+    }
+    m_sendButton->setText(QString::number(seconds));
+    m_sendButton->setToolTip(tr("Wait %n second(s) before sending again", nullptr, seconds));
+    m_sendButton->setEnabled(false);
+}
+
+void ChatInput::markUncarried()
+{
+    const QString uncarried = uncarriedCharacters(m_input->text());
+    m_input->setToolTip(uncarried.isEmpty() ? toolTipText() : uncarriedToolTip(uncarried));
+    m_input->setStyleSheet(
+        uncarried.isEmpty() ? QString() : QStringLiteral("QLineEdit { background: #fff0c0; }"));
 }
 
 bool ChatInput::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched != m_input)
         return false;
-    if (event->type() == QEvent::FocusIn && m_sendButton && !m_sendButton->isEnabled()) {
+    if (event->type() == QEvent::FocusIn && m_sendButton && m_hintShown) {
+        m_hintShown = false;
         m_sendButton->setEnabled(true);
         m_input->clear();
     } else if (event->type() == QEvent::KeyPress) {

@@ -20,7 +20,14 @@ ChatLog::ChatLog(const Clock &clock, QObject *parent) : QObject(parent), m_clock
 
 void ChatLog::append(const QString &name, std::optional<quint32> colour, const QString &text)
 {
-    m_lines.append({m_clock.now().time(), name, colourFromNumber(colour), text});
+    append(ChatLine{m_clock.now().time(), name, colourFromNumber(colour), text});
+}
+
+void ChatLog::append(const ChatLine &line)
+{
+    if (m_lines.size() >= kMaxLines)
+        m_lines.removeFirst();
+    m_lines.append(line);
     Q_EMIT lineAppended(m_lines.last());
 }
 

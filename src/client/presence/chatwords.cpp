@@ -1,6 +1,7 @@
 #include "client/presence/chatwords.h"
 
 #include "client/session/blanks.h"
+#include "protocol/cp1252.h"
 
 #include <QLocale>
 #include <QRegularExpression>
@@ -36,10 +37,10 @@ bool isOpenableWord(QStringView word)
 QList<TextSpan> findWebAddresses(const QString &text)
 {
     // What a rich-text box links by itself: a scheme or "www." that starts a word, up to the
-    // next blank, without the punctuation that usually ends a sentence.
+    // next blank or line break, without the punctuation that usually ends a sentence.
     static const QRegularExpression address(
         QStringLiteral("(?<![\\w.@])(?:(?:https?|ftp|file)://|mailto:|news:|www\\.)\\S+"),
-        QRegularExpression::CaseInsensitiveOption);
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
     QList<TextSpan> spans;
     for (auto it = address.globalMatch(text); it.hasNext();) {
         const QRegularExpressionMatch match = it.next();
@@ -50,6 +51,30 @@ QList<TextSpan> findWebAddresses(const QString &text)
         spans.append({match.capturedStart(), length});
     }
     return spans;
+}
+
+QString addressInWord(const QString &word)
+{
+    const QList<TextSpan> spans = findWebAddresses(word);
+    return spans.isEmpty() ? word : word.mid(spans.first().start, spans.first().length);
+}
+
+QString uncarriedCharacters(QStringView text)
+{
+    QString found;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        // A character beyond the first plane is one pair of code units, shown together.
+        const qsizetype length =
+            text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate() ? 2
+                                                                                             : 1;
+        const QStringView character = text.sliced(i, length);
+        i += length - 1;
+        if (character == u"?" || protocol::toCp1252(character) != "?")
+            continue;
+        if (!found.contains(character))
+            found += character;
+    }
+    return found;
 }
 
 QString chatTimeText(const QTime &time)

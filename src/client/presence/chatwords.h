@@ -20,6 +20,11 @@ QString wordAtSelection(QStringView text, qsizetype selectionStart);
 // "www." anywhere, in these exact letters.
 bool isOpenableWord(QStringView word);
 
+// What pointing at an openable word opens: the web address found in it, without brackets or
+// punctuation around it ("(www.a.com)," opens "www.a.com"); the whole word when no address
+// starts in it ("visitwww.a.com").
+QString addressInWord(const QString &word);
+
 // Where web addresses stand in `text`, to be shown as links: offset and length of each.
 struct TextSpan
 {
@@ -27,6 +32,10 @@ struct TextSpan
     qsizetype length;
 };
 QList<TextSpan> findWebAddresses(const QString &text);
+
+// The characters of `text` that code page 1252 cannot carry (they go out as "?"), each once,
+// in the order they first appear.
+QString uncarriedCharacters(QStringView text);
 
 // The time of day as a chat line shows it: the system's long time format without its time
 // zone.

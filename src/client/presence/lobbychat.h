@@ -43,6 +43,7 @@ public:
     void addStatusLine(const QString &text);
 
     const ChatLog &log() const { return *m_log; }
+    ChatLog &log() { return *m_log; }
     ChatInput &input() const { return *m_input; }
 
 private:

@@ -21,6 +21,18 @@ SendRateGuard::SendRateGuard(SessionState &session, const Clock &clock)
 {
 }
 
+int SendRateGuard::secondsToWait() const
+{
+    const QDateTime last = m_session.textSendTime;
+    if (!last.isValid())
+        return 0;
+    const qint64 passed = toWholeSeconds(last).secsTo(toWholeSeconds(m_clock.now()));
+    // A clock that went back waits the whole interval from now.
+    if (passed < 0)
+        return kIntervalSeconds + 1;
+    return int(std::max<qint64>(0, kIntervalSeconds + 1 - passed));
+}
+
 bool SendRateGuard::tryPass()
 {
     const QDateTime now = toWholeSeconds(m_clock.now());

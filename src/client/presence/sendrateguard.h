@@ -17,6 +17,8 @@ public:
     // True when more than three seconds have passed since the last accepted send; the send
     // is then accepted and the guard starts again from now. False changes nothing.
     bool tryPass();
+    // Whole seconds until `tryPass` would pass; 0 when it would now.
+    int secondsToWait() const;
 
 private:
     SessionState &m_session;

@@ -32,7 +32,7 @@ public:
     int keepAliveTicks = 1; // 1..3, ticks of the detection timer
     bool inGame = false;    // the local game runs on a server
     QString lobbyStatsId;   // the player's statistics id, from the login
-    QString ownName;        // the name this client logged in with
+    QString ownName;        // the saved name, then the name this client logged in with
 
     // The logged-in flag (the Tag of `picLogIn`: "ONLINE" / "OFFLINE").
     bool isOnline() const { return m_online; }

@@ -45,6 +45,19 @@ void PictureButton::paintEvent(QPaintEvent *)
     const QSize size = iconSize().boundedTo(this->size());
     const QRect target(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
     icon().paint(&painter, target, Qt::AlignCenter, mode);
+    if (!text().isEmpty()) {
+        QFont bold = font();
+        bold.setBold(true);
+        painter.setFont(bold);
+        const QRect badge = painter.fontMetrics().boundingRect(text()).adjusted(-3, -1, 3, 1);
+        const QRect placed(QPoint(width() - badge.width(), height() - badge.height()),
+                           badge.size());
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(palette().color(QPalette::ToolTipBase));
+        painter.drawRoundedRect(placed, 3, 3);
+        painter.setPen(palette().color(QPalette::ToolTipText));
+        painter.drawText(placed, Qt::AlignCenter, text());
+    }
 }
 
 void PictureButton::enterEvent(QEnterEvent *event)

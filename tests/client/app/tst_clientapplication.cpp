@@ -1,14 +1,21 @@
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
+#include "client/game/frmgameinfo.h"
+#include "client/lobby/credentialsfile.h"
 #include "client/lobby/frmlogin.h"
+#include "client/options/frmoptions.h"
 #include "client/pager/frmpager.h"
+#include "client/platform/privatefiles.h"
 #include "client/presence/frmmenu.h"
+#include "client/rooms/frmmakeroom.h"
 #include "client/rooms/frmroom.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
 #include "support/appharness.h"
+#include "support/files.h"
 
+#include <QCheckBox>
 #include <QDir>
 #include <QLineEdit>
 #include <QPointer>
@@ -35,7 +42,8 @@ private Q_SLOTS:
         QCOMPARE(h.app.session().textSendTime, h.clock.now());
         QCOMPARE(h.app.session().webHost, QStringLiteral("localhost"));
         QCOMPARE(h.dialogs.asked,
-                 QStringList{"Could not find path to game, select at least one game in options"});
+                 (QStringList{"Could not find path to game, select at least one game in options",
+                              QString(ClientApplication::kOfferOptionsText) + " [Yes/No]"}));
         const QList<std::pair<const char *, int>> timers = {
             {"tmrReconnet", 20000}, {"Timer1", 10000}, {"tmrStatsReset", 500}};
         for (const auto &[name, interval] : timers) {
@@ -44,6 +52,89 @@ private Q_SLOTS:
             QCOMPARE(timer->interval(), interval);
             QVERIFY(!timer->isActive());
         }
+    }
+
+    // A first start leads the user in: after the warning about the game folders the options
+    // are offered, and without a saved login the login window opens (after the options, when
+    // they were taken). A saved login opens nothing. Escape closes both windows.
+    void firstStart_data()
+    {
+        QTest::addColumn<bool>("savedLogin");
+        QTest::addColumn<bool>("takeOptions");
+        QTest::addColumn<bool>("loginOpens");
+        QTest::newRow("fresh") << false << false << true;
+        QTest::newRow("fresh, options taken") << false << true << true;
+        QTest::newRow("saved login") << true << false << false;
+    }
+    void firstStart()
+    {
+        QFETCH(bool, savedLogin);
+        QFETCH(bool, takeOptions);
+        QFETCH(bool, loginOpens);
+        AppHarness h;
+        if (savedLogin)
+            QVERIFY(QDir().mkpath(h.dataFolder()) &&
+                    CredentialsFile::write(h.dataFolder() + "/user.txt", {"Ann", "pw"}));
+        h.dialogs.answers = {Dialogs::Answer::Ok,
+                             takeOptions ? Dialogs::Answer::Yes : Dialogs::Answer::No};
+        QVERIFY(h.app.start());
+        QCOMPARE(h.dialogs.asked.size(), 2);
+        AppWindows &windows = h.app.windows();
+        QCOMPARE(windows.isOptionsShown(), takeOptions);
+        if (takeOptions) {
+            QVERIFY(!windows.isLoginLoaded());
+            QTest::keyClick(windows.frmOptions()->chkSound, Qt::Key_Escape);
+            QVERIFY(!windows.isOptionsShown());
+            QVERIFY(QFile::exists(h.dataFolder() + "/settingRS.txt"));
+        }
+        QCOMPARE(windows.isLoginLoaded() && windows.frmLogIn()->isVisible(), loginOpens);
+        if (loginOpens) {
+            QTest::keyClick(windows.frmLogIn()->txtName, Qt::Key_Escape);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QVERIFY(!windows.isLoginLoaded());
+        }
+    }
+
+    // The other windows open over the main window; shown again, one stays where the user put
+    // it.
+    void windowsOpenOverTheMainWindow()
+    {
+        AppHarness h;
+        QVERIFY(h.app.start());
+        AppWindows &w = h.app.windows();
+        for (QWidget *window : QWidgetList{w.frmLogIn(), w.frmOptions(), w.frmRoom(), w.frmPager(),
+                                           w.frmMakeRoom(), w.frmGameInfo()}) {
+            window->show();
+            const QPoint offset =
+                window->frameGeometry().center() - h.app.form().frameGeometry().center();
+            QVERIFY2(offset.manhattanLength() <= 2, qPrintable(window->objectName()));
+            window->move(5, 5);
+            window->hide();
+            window->show();
+            QCOMPARE(window->pos(), QPoint(5, 5));
+        }
+    }
+
+    // The data folder and the files holding the password or the settings are open to their
+    // owner only, also when an earlier version left them open to everyone.
+    void filesArePrivate()
+    {
+        AppHarness h;
+        const QDir data(h.dataFolder());
+        for (const char *name : {"user.txt", "settingRS.txt"}) {
+            QVERIFY(writeFile(data.filePath(name), "x\r\n"));
+            QVERIFY(QFile::setPermissions(data.filePath(name),
+                                          QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
+        }
+        QVERIFY(QFile::setPermissions(h.dataFolder(), PrivateFiles::kFolder | QFile::ExeOther));
+        QVERIFY(h.app.start());
+        QTest::mouseClick(h.app.windows().frmLogIn()->Picture3, Qt::LeftButton);
+        QTest::mouseClick(h.app.windows().frmOptions()->picClose, Qt::LeftButton);
+
+        const auto userOnly = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
+        QCOMPARE(QFileInfo(h.dataFolder()).permissions() & ~userOnly, PrivateFiles::kFolder);
+        for (const char *name : {"user.txt", "settingRS.txt"})
+            QCOMPARE(QFileInfo(data.filePath(name)).permissions() & ~userOnly, PrivateFiles::kFile);
     }
 
     // Closing the login window unloads it: the next one forgets what was typed. Windows exist

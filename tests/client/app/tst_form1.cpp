@@ -26,16 +26,18 @@ private Q_SLOTS:
         form.show();
         form.picViewStats->setVisible(true);
 
+        QCOMPARE(SessionLooks::trayTip(false), QStringLiteral("QUORVEL - Logged out"));
+        session.ownName = QStringLiteral("Ann");
         session.setOnline(true);
         QCOMPARE(form.picLogIn->tag(), QStringLiteral("ONLINE"));
         QVERIFY(form.picCreateRoom->isVisible() && form.picResetStats->isVisible());
-        QCOMPARE(tray.tip, QStringLiteral("Logged In"));
+        QCOMPARE(tray.tip, QStringLiteral("QUORVEL - Ann - Logged In"));
 
         session.setOnline(false);
         QCOMPARE(form.picLogIn->tag(), QStringLiteral("OFFLINE"));
         QVERIFY(!form.picCreateRoom->isVisible() && !form.picResetStats->isVisible());
         QVERIFY(form.picViewStats->isVisible()); // keeps its state
-        QCOMPARE(tray.tip, QStringLiteral("Logged out"));
+        QCOMPARE(tray.tip, QStringLiteral("QUORVEL - Ann - Logged out"));
     }
 
     // The bar follows a drag within its limits, the lists with it; a double-click steps it

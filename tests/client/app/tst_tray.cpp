@@ -3,6 +3,7 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/platform/trayservice.h"
+#include "client/presence/chatlog.h"
 #include "client/presence/lobbychat.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/picturebutton.h"
@@ -95,7 +96,11 @@ private Q_SLOTS:
         rig.form.showNormal();
         rig.controller.hideToTray();
         QVERIFY(rig.form.isMinimized());
-        QCOMPARE(rig.form.txtChat->toPlainText().count("no notification area"), 1);
+        QCOMPARE(std::count_if(rig.chat.log().lines().begin(), rig.chat.log().lines().end(),
+                               [](const ChatLine &line) {
+                                   return line.text.contains("no notification area");
+                               }),
+                 1);
         QCOMPARE(rig.restored.count(), 1);
         QVERIFY(rig.sentPresence({"1", "3", "1"}));
     }

@@ -239,6 +239,48 @@ private Q_SLOTS:
         QVERIFY(probe.bind(QHostAddress::LocalHost, pingPort));
     }
 
+    // The game-info window opens only for the answer of the server asked last, from its game
+    // port: not for another address, another port, or an earlier server.
+    void gameInfoTakesOnlyTheServerAsked_data()
+    {
+        QTest::addColumn<QString>("asked");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<bool>("otherPort");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("the server asked") << "127.0.0.2"
+                                          << "127.0.0.2" << false << true;
+        QTest::newRow("another address") << "127.0.0.2"
+                                         << "127.0.0.4" << false << false;
+        QTest::newRow("another port") << "127.0.0.2"
+                                      << "127.0.0.2" << true << false;
+        QTest::newRow("the server asked before") << "127.0.0.4"
+                                                 << "127.0.0.2" << false << false;
+    }
+    void gameInfoTakesOnlyTheServerAsked()
+    {
+        QFETCH(QString, asked);
+        QFETCH(QString, from);
+        QFETCH(bool, otherPort);
+        QFETCH(bool, shown);
+        Lobby lobby;
+        QVERIFY(lobby.start({"127.0.0.2", "127.0.0.4"}, {}));
+        QSignalSpy showRequested(&lobby.info, &GameInfo::showRequested);
+        lobby.query.queryGameInfo(QStringLiteral("127.0.0.2"));
+        QTRY_COMPARE(lobby.servers[0]->requests.size(), 1);
+        lobby.query.queryGameInfo(asked);
+        const quint16 infoPort = lobby.clientPort(0);
+
+        UdpResponder elsewhere;
+        QVERIFY(elsewhere.socket.bind(QHostAddress(from), 0));
+        UdpResponder &sender = otherPort ? elsewhere : *lobby.servers[from == "127.0.0.2" ? 0 : 1];
+        sender.socket.writeDatagram(exampleReply(), QHostAddress::LocalHost, infoPort);
+        // A reply that counts, sent after it, marks the end of the wait.
+        lobby.servers[asked == "127.0.0.2" ? 0 : 1]->sendTo(
+            with(example(), {{"hostname", "Last"}}).toLatin1(), infoPort);
+        QTRY_COMPARE(lobby.info.getTestArray(2, 3), QStringLiteral("\\Last\\"));
+        QCOMPARE(showRequested.size(), shown ? 2 : 1);
+    }
+
     // Slots are used in turn from 1 to 100; the 101st ping takes slot 1 again and its old
     // socket, still waiting for a server that never answered, is gone.
     void hundredAndFirstPingReusesSlotOne()

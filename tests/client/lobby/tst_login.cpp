@@ -123,8 +123,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("how");
         QTest::addColumn<QString>("line");
-        QTest::newRow("connection refused") << 0 << "Could not connect";
-        QTest::newRow("never answers") << 1 << "Could not connect";
+        QTest::newRow("connection refused") << 0 << "Could not connect to 127.0.0.1:%1";
+        QTest::newRow("never answers") << 1 << "Could not connect to 127.0.0.1:%1";
         QTest::newRow("login refused") << 2 << "Wrong name or password";
     }
     void failedFirstTryIsNotRetried()
@@ -136,6 +136,8 @@ private Q_SLOTS:
             s.state.lobbyPort = 1; // nothing listens on port 1 of loopback
         else if (how == 1)
             s.server.stopAnswering();
+        if (how < 2)
+            line = line.arg(s.state.lobbyPort);
         s.login->autoLogin();
         if (how == 2) {
             QVERIFY(s.server.waitForConnection(1));
@@ -176,24 +178,47 @@ private Q_SLOTS:
         QCOMPARE(s.lines, (QStringList{"Trying to connect...", "Connected"}));
     }
 
+    // The login window shows the saved name and password and the lobby address in use; Login
+    // saves the first two and asks for the address typed, which must read as HOST[:PORT]:
+    // otherwise the box is marked and nothing is saved or asked.
+    void loginWindowRoundTripsUserFile_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("asked"); // empty: refused
+        QTest::newRow("as shown") << "lobby.example:20000"
+                                  << "lobby.example:20000";
+        QTest::newRow("no port: the lobby port") << " 10.0.0.7 "
+                                                 << "10.0.0.7:20000";
+        QTest::newRow("bad port") << "lobby.example:99999"
+                                  << "";
+        QTest::newRow("empty") << ""
+                               << "";
+    }
     void loginWindowRoundTripsUserFile()
     {
+        QFETCH(QString, typed);
+        QFETCH(QString, asked);
         QTemporaryDir dir;
         QFile file(dir.filePath(QStringLiteral("user.txt")));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("G\xF6ran\r\npass word\r\n");
         file.close();
-        FrmLogIn window(file.fileName());
+        FrmLogIn window(file.fileName(), {QStringLiteral("lobby.example"), 20000});
         QCOMPARE(window.txtName->text(), QStringLiteral("G\u00F6ran"));
         QCOMPARE(window.txtPassword->text(), QStringLiteral("pass word"));
+        QCOMPARE(window.txtLobbyServer->text(), QStringLiteral("lobby.example:20000"));
         window.txtName->setText(QStringLiteral("\u00C5sa"));
         window.txtPassword->setText(QStringLiteral("x1"));
-        bool requested = false;
-        connect(&window, &FrmLogIn::loginRequested, this, [&] { requested = true; });
+        window.txtLobbyServer->setText(typed);
+        QStringList requested;
+        connect(&window, &FrmLogIn::loginRequested, this,
+                [&](const HostPort &lobby) { requested << lobby.toString(); });
         QTest::mouseClick(window.Picture3, Qt::LeftButton);
-        QVERIFY(requested);
+        QCOMPARE(requested, asked.isEmpty() ? QStringList() : QStringList{asked});
+        QCOMPARE(window.txtLobbyServer->toolTip().isEmpty(), !asked.isEmpty());
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("\xC5sa\r\nx1\r\n"));
+        QCOMPARE(file.readAll(), asked.isEmpty() ? QByteArray("G\xF6ran\r\npass word\r\n")
+                                                 : QByteArray("\xC5sa\r\nx1\r\n"));
     }
 };
 

@@ -1,6 +1,8 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/presence/chatarchive.h"
 #include "client/presence/chatinput.h"
+#include "client/presence/chatlog.h"
 #include "client/presence/chatwords.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/sendrateguard.h"
@@ -9,10 +11,13 @@
 #include "protocol/message.h"
 #include "support/clientfakes.h"
 #include "support/scriptedserver.h"
+#include "support/wait.h"
 
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
@@ -83,6 +88,11 @@ struct ChatWindow
         QCoreApplication::sendEvent(txtChatSend, &focus);
         txtChatSend->insert(text);
     }
+    // Lets the box draw what was appended, until its last line holds `text`.
+    bool drawn(const QString &text)
+    {
+        return waitUntil([&] { return txtChat->document()->lastBlock().text().contains(text); });
+    }
     // Puts the caret at the `nth` place where `text` occurs plus `offset`.
     void caretAt(const QString &text, int offset = 0, QTextCursor::MoveMode mode = {})
     {
@@ -137,6 +147,7 @@ private Q_SLOTS:
         ChatWindow w;
         w.clock.set(QDateTime(kStart.date(), QTime(21, 34, 56)));
         w.dispatcher.receive(protocol::buildMessage(Code::ChatLine, fields));
+        QVERIFY(w.drawn(fields[0]));
 
         QTextDocument *doc = w.txtChat->document();
         QCOMPARE(doc->toPlainText().count(u'\n'), 1);
@@ -144,6 +155,7 @@ private Q_SLOTS:
                  QStringList{chatTimeText(QTime(21, 34, 56)) + "  |#000000"} + after);
 
         w.chat.addStatusLine(QStringLiteral("Diconnected"));
+        QVERIFY(w.drawn("Diconnected"));
         QCOMPARE(runsOf(doc->lastBlock()).mid(1),
                  (QStringList{"QUORVEL|#000000[b]", "  >   Diconnected |#000000"}));
     }
@@ -153,34 +165,66 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("start");
         QTest::addColumn<QString>("word");
-        QTest::addColumn<bool>("opens");
+        QTest::addColumn<QString>("opens"); // the address as drawn; empty: nothing opens
 
         const QString line = "\u2029" + QStringLiteral("12:00:00  Bob  >   go to www.a.com now ");
         const int www = int(line.indexOf(QLatin1String("www")));
-        QTest::newRow("inside an address") << line << www + 4 << "www.a.com" << true;
-        QTest::newRow("on the space before it") << line << www - 1 << "www.a.com" << true;
-        QTest::newRow("markers are case-sensitive")
-            << "x HTTP://A.COM y" << 4 << "HTTP://A.COM" << false;
+        QTest::newRow("inside an address") << line << www + 4 << "www.a.com"
+                                           << "www.a.com";
+        QTest::newRow("on the space before it") << line << www - 1 << "www.a.com"
+                                                << "www.a.com";
+        QTest::newRow("markers are case-sensitive") << "x HTTP://A.COM y" << 4 << "HTTP://A.COM"
+                                                    << "";
         QTest::newRow("marker inside a word opens the whole word")
-            << "x visitwww.a.com y" << 3 << "visitwww.a.com" << true;
-        QTest::newRow("brackets belong to the word")
-            << "x (http://a.com) y" << 5 << "(http://a.com)" << true;
+            << "x visitwww.a.com y" << 3 << "visitwww.a.com"
+            << "visitwww.a.com";
+        QTest::newRow("brackets belong to the word, not to the address")
+            << "x (www.test.org) y" << 5 << "(www.test.org)"
+            << "www.test.org";
+        QTest::newRow("a sentence's comma neither")
+            << "x https://a.org/x, y" << 5 << "https://a.org/x,"
+            << "https://a.org/x";
         QTest::newRow("line breaks do not end a word")
             << "x www.a.com\u2029" + QStringLiteral("12:00 y") << 3
-            << "www.a.com\u2029" + QStringLiteral("12:00") << true;
+            << "www.a.com\u2029" + QStringLiteral("12:00") << "www.a.com";
         QTest::newRow("no space before: the first characters up to the start")
-            << "www.a.com" << 2 << "www" << false;
+            << "www.a.com" << 2 << "www"
+            << "";
         QTest::newRow("past the end: the text's first word")
-            << "http://a.com b" << 14 << "http://a.com" << true;
+            << "http://a.com b" << 14 << "http://a.com"
+            << "http://a.com";
     }
     void wordRule()
     {
         QFETCH(QString, text);
         QFETCH(int, start);
         QFETCH(QString, word);
-        QFETCH(bool, opens);
+        QFETCH(QString, opens);
         QCOMPARE(wordAtSelection(text, start), word);
-        QCOMPARE(isOpenableWord(word), opens);
+        QCOMPARE(isOpenableWord(word) ? addressInWord(word) : QString(), opens);
+    }
+
+    // Characters that code page 1252 cannot carry are marked while typed, each named once.
+    void uncarriedCharactersMarked_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("named"); // empty: not marked
+        QTest::newRow("1252 letters and signs") << "G\u00f6ran \u20ac \u00e6 ?"
+                                                << "";
+        QTest::newRow("Han, twice") << "a\u6f22b\u6f22"
+                                    << "\u6f22";
+        QTest::newRow("beyond the first plane") << "ok \U0001F600 \u0416"
+                                                << "\U0001F600\u0416";
+    }
+    void uncarriedCharactersMarked()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, named);
+        ChatWindow w;
+        w.type(text);
+        QCOMPARE(w.txtChatSend->toolTip(),
+                 named.isEmpty() ? ChatInput::toolTipText() : ChatInput::uncarriedToolTip(named));
+        QCOMPARE(w.txtChatSend->styleSheet().isEmpty(), named.isEmpty());
     }
 
     // A long evening: adding lines opens nothing, drops the user's selection and shows the
@@ -192,8 +236,10 @@ private Q_SLOTS:
         w.txtChat->setFixedHeight(80);
         w.window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-        while (w.txtChat->document()->characterCount() < 40000)
-            w.chat.addChatLine("www.name.com", 0, "http://a.com www.b.com");
+        for (int i = 0; i < 950; ++i)
+            w.chat.addChatLine("www.name.com", 0, "http://a.com www.b.com " + QString::number(i));
+        QVERIFY(w.drawn("www.b.com 949"));
+        QVERIFY(w.txtChat->document()->characterCount() > 40000);
         QVERIFY(w.opened.isEmpty());
 
         QScrollBar *bar = w.txtChat->verticalScrollBar();
@@ -203,6 +249,7 @@ private Q_SLOTS:
         const qsizetype before = w.opened.size();
         w.dispatcher.receive(
             protocol::ChatLineToClient{"Ann", 255, "look at http://example.com/page now"}.encode());
+        QVERIFY(w.drawn("example.com"));
         QCOMPARE(w.opened.size(), before);
         QVERIFY(!w.txtChat->textCursor().hasSelection());
         QCOMPARE(w.txtChat->textCursor().position(), w.txtChat->document()->characterCount() - 1);
@@ -214,6 +261,74 @@ private Q_SLOTS:
             w.caretAt("example", end, QTextCursor::KeepAnchor);
         w.caretAt("at http");
         QCOMPARE(w.opened.mid(before), QStringList{"http://example.com/page"});
+    }
+
+    // Thousands of lines in one arrival: the arrival only queues them, and the box then keeps
+    // the newest lines only, in order, after its empty first line.
+    void burstKeepsTheNewestLines()
+    {
+        ChatWindow w;
+        QByteArray burst;
+        for (int i = 0; i < 3000; ++i)
+            burst += protocol::ChatLineToClient{"Al", 0, QString("line %1 .").arg(i)}.encode();
+        w.dispatcher.receive(burst);
+        QCOMPARE(w.txtChat->document()->blockCount(), 1);
+        QVERIFY(w.drawn("line 2999 ."));
+
+        QTextDocument *doc = w.txtChat->document();
+        QCOMPARE(doc->blockCount(), ChatBox::kMaxLines + 1);
+        QCOMPARE(doc->firstBlock().text(), QString());
+        QVERIFY(doc->findBlockByNumber(1).text().endsWith(
+            QString("line %1 . ").arg(3000 - ChatBox::kMaxLines)));
+        QCOMPARE(w.chat.log().lines().size(), ChatLog::kMaxLines);
+        QCOMPARE(w.chat.log().lines().first().text,
+                 QString("line %1 .").arg(3000 - ChatLog::kMaxLines));
+    }
+
+    // The chat kept on disk comes back after a restart: the newest lines, oldest first, with
+    // their times, colours and whatever their text holds, across days; a day's file stops
+    // growing at its cap and the oldest days go past the folder's.
+    void archiveKeepsTheNewestLines()
+    {
+        QTemporaryDir home;
+        const QString folder = home.filePath("chat");
+        const ChatArchive::Limits limits{
+            .maxDayBytes = 400, .maxTotalBytes = 600, .restoredLines = 6};
+        const QStringList odd{"tab\there", "two\nlines\r", "back\\slash \\t", "\u6f22 \U0001F600"};
+        ChatWindow w;
+        ChatArchive archive(folder, w.clock, limits);
+        archive.attach(w.chat.log());
+        w.clock.set(QDateTime(QDate(2026, 3, 1), QTime(23, 59, 58)));
+        for (int i = 0; i < 20; ++i) // past the day's cap
+            w.chat.addChatLine("Bo", 0, QString("filler %1").arg(i));
+        QTRY_VERIFY(QFileInfo(folder + "/2026-03-01.txt").size() > 300);
+        QVERIFY(QFileInfo(folder + "/2026-03-01.txt").size() <= 400);
+        QCOMPARE(QFileInfo(folder + "/2026-03-01.txt").permissions() & 0x0077, 0);
+        w.clock.set(QDateTime(QDate(2026, 3, 2), QTime(0, 0, 1)));
+        for (const QString &text : odd)
+            w.chat.addChatLine("Al\tx", 255, text);
+        QTRY_VERIFY(QFileInfo(folder + "/2026-03-02.txt").size() > 0);
+
+        ChatWindow next;
+        ChatArchive(folder, next.clock, limits).attach(next.chat.log());
+        const QList<ChatLine> &lines = next.chat.log().lines();
+        QCOMPARE(lines.size(), 6);
+        QVERIFY(lines[0].text.startsWith("filler") && lines[1].text.startsWith("filler"));
+        QStringList texts;
+        for (const ChatLine &line : lines.mid(2))
+            texts << line.text;
+        QCOMPARE(texts, odd);
+        QCOMPARE(lines.last().name, QString("Al\tx"));
+        QCOMPARE(lines.last().colour, QColor(Qt::red));
+        QCOMPARE(lines.last().time, QTime(0, 0, 1));
+        QVERIFY(next.drawn("\U0001F600"));
+
+        // The first line of a new day drops the oldest day past the folder's cap.
+        w.clock.set(QDateTime(QDate(2026, 3, 3), QTime(9, 0)));
+        w.chat.addChatLine("Di", 0, QString(300, u'x'));
+        QTRY_VERIFY(QFile::exists(folder + "/2026-03-03.txt"));
+        QVERIFY(!QFile::exists(folder + "/2026-03-01.txt"));
+        QVERIFY(QFile::exists(folder + "/2026-03-02.txt"));
     }
 
     // Whole seconds count: the send passes when more than three have gone by.
@@ -257,7 +372,16 @@ private Q_SLOTS:
         QVERIFY(!w.picture3->isEnabled());
 
         w.type(QStringLiteral("hello")); // the first focus takes the hint away, later ones not
-        QTest::keyClick(w.txtChatSend, Qt::Key_Return); // too soon: kept for a later try
+        QTest::keyClick(w.txtChatSend, Qt::Key_Return); // too soon: kept, the wait shown
+        QCOMPARE(w.txtChatSend->text(), QStringLiteral("hello"));
+        QCOMPARE(w.picture3->text(), QStringLiteral("4"));
+        QVERIFY(!w.picture3->isEnabled());
+        w.clock.advanceSeconds(2);
+        QTRY_COMPARE(w.picture3->text(), QStringLiteral("2"));
+        w.clock.advanceSeconds(2);
+        QTRY_VERIFY(w.picture3->isEnabled());
+        QCOMPARE(w.picture3->text(), QString());
+        w.clock.advanceSeconds(-4);
         w.type(QStringLiteral(" there"));
         w.clock.advanceSeconds(4);
         QTest::keyClick(w.txtChatSend, Qt::Key_Enter);
