@@ -106,7 +106,9 @@ private Q_SLOTS:
             QCoreApplication::processEvents();
         }
         const QRect window = form.rect();
-        QVERIFY(window.width() >= Form1::kMinimumSize.width());
+        const QSize asked(sizes.last().section('x', 0, 0).toInt(),
+                          sizes.last().section('x', 1).toInt());
+        QCOMPARE(window.size(), asked.expandedTo(Form1::kMinimumSize));
         const auto right = [](QWidget *w) { return w->geometry().right(); };
         const auto bottom = [](QWidget *w) { return w->geometry().bottom(); };
         QCOMPARE(right(form.ListView2), window.right() - 10);
