@@ -119,10 +119,14 @@ QModelIndex PlayerListFilter::mapFromSource(const QModelIndex &sourceIndex) cons
 
 QVariant PlayerListFilter::data(const QModelIndex &index, int role) const
 {
-    if (role == Qt::ToolTipRole) {
-        if (const std::optional<Group> group = groupRowAt(index))
-            return isFolded(*group) ? tr("Folded: click to show these players")
-                                    : tr("Click to fold these players away");
+    if (role == Qt::ToolTipRole || role == FoldedRole) {
+        const std::optional<Group> group = groupRowAt(index);
+        if (!group)
+            return {};
+        if (role == FoldedRole)
+            return isFolded(*group);
+        return isFolded(*group) ? tr("Folded: click to show these players")
+                                : tr("Click to fold these players away");
     }
     return QAbstractProxyModel::data(index, role);
 }

@@ -22,6 +22,8 @@ class PlayerListFilter : public QAbstractProxyModel
 
 public:
     using Group = PlayerListModel::Group;
+    // On a group row: whether its group is folded. Nothing on a player.
+    static constexpr int FoldedRole = Qt::UserRole + 1;
 
     explicit PlayerListFilter(PlayerListModel &players, QObject *parent = nullptr);
 

@@ -2,11 +2,44 @@
 
 #include "client/presence/playerlistfilter.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPainter>
+#include <QStyledItemDelegate>
 #include <QTreeView>
 
 namespace client {
+
+namespace {
+
+// Draws the players' rows as usual, and on each group row an arrow at the right that points
+// down while its players show and right while they are folded away.
+class PlayerListDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::paint(painter, option, index);
+        const QVariant folded = index.data(PlayerListFilter::FoldedRole);
+        if (!folded.isValid())
+            return;
+        QStyleOption arrow;
+        arrow.initFrom(option.widget);
+        const int size = option.rect.height() / 2;
+        arrow.rect =
+            QRect(option.rect.right() - size - 6, option.rect.center().y() - size / 2, size, size);
+        const QStyle *style = option.widget ? option.widget->style() : QApplication::style();
+        style->drawPrimitive(folded.toBool() ? QStyle::PE_IndicatorArrowRight
+                                             : QStyle::PE_IndicatorArrowDown,
+                             &arrow, painter, option.widget);
+    }
+};
+
+} // namespace
 
 void configurePlayerListView(QTreeView &view, PlayerListFilter &filter, QLineEdit *findBox)
 {
@@ -22,6 +55,7 @@ void configurePlayerListView(QTreeView &view, PlayerListFilter &filter, QLineEdi
     view.setSelectionBehavior(QAbstractItemView::SelectRows);
     view.setEditTriggers(QAbstractItemView::NoEditTriggers);
     view.setAllColumnsShowFocus(true);
+    view.setItemDelegateForColumn(PlayerListModel::Name, new PlayerListDelegate(&view));
     view.header()->setStretchLastSection(true);
     view.header()->setSectionsMovable(false);
     view.header()->setSectionsClickable(false);

@@ -61,16 +61,20 @@ int PlayerOrder::rowsBefore(const QString &code, const QString &name, const Play
 {
     const auto group = m_groups.lower_bound(code);
     int rows = rowsBefore(group);
-    if (group != m_groups.end() && group->first == code)
-        rows += group->second.countBefore(keyOf(name, entry ? entry->m_key.arrival : ~0ULL));
-    return rows;
+    if (group == m_groups.end() || group->first != code)
+        return rows;
+    if (entry && entry->m_key.name == name)
+        return rows + group->second.countBefore(entry->m_key);
+    return rows + group->second.countBefore(keyOf(name, entry ? entry->m_key.arrival : ~0ULL));
 }
 
 void PlayerOrder::insert(std::unique_ptr<PlayerRow> entry, const QString &code)
 {
     entry->m_orderCode = code;
-    entry->m_key =
-        keyOf(entry->texts[0], entry->m_key.arrival ? entry->m_key.arrival : ++m_arrivals);
+    if (entry->m_key.arrival == 0)
+        entry->m_key = keyOf(entry->texts[0], ++m_arrivals);
+    else if (entry->m_key.name != entry->texts[0])
+        entry->m_key = keyOf(entry->texts[0], entry->m_key.arrival);
     m_groups[code].insert(std::move(entry));
     ++m_size;
 }

@@ -335,11 +335,19 @@ private Q_SLOTS:
 
         click(list.filter.groupRow(Model::Group::Playing));
         QVERIFY(list.filter.isFolded(Model::Group::Playing));
+        const auto folded = [&](Model::Group group) {
+            return list.filter.index(list.filter.groupRow(group), 0)
+                .data(PlayerListFilter::FoldedRole);
+        };
+        QCOMPARE(folded(Model::Group::Playing), QVariant(true));
+        QCOMPARE(folded(Model::Group::Away), QVariant(false));
         QCOMPARE(selected(), QString());
         QCOMPARE(describe(list.filter), QStringLiteral("Lobby (0), Playing (1), Away (0)"));
         click(list.filter.groupRow(Model::Group::Playing));
         QCOMPARE(describe(list.filter),
                  QStringLiteral("Lobby (0), Playing (1), Zed 4 99, Away (0)"));
+        QCOMPARE(folded(Model::Group::Playing), QVariant(false));
+        QVERIFY(!list.filter.index(2, 0).data(PlayerListFilter::FoldedRole).isValid()); // Zed
     }
 
     // The context menu acts on the selected entry: the selection follows it when it moves.
