@@ -283,17 +283,18 @@ void PlayerListFilter::onRowsMoved(const QModelIndex &parent, int start, int end
     // The source rows between the old and the new place move by `count` the other way.
     const int low = down ? start : row;
     const int high = down ? row : end + 1; // exclusive
-    const int first = placeOf(low);
-    const int last = placeOf(high);
-    for (int i = first; i < last; ++i) {
-        int &source = m_shown[std::size_t(i)];
-        const bool moved = source >= start && source <= end;
-        if (down)
-            source += moved ? row - end - 1 : -count;
-        else
-            source += moved ? row - start : count;
-    }
-    std::sort(m_shown.begin() + first, m_shown.begin() + last);
+    const auto first = m_shown.begin() + placeOf(low);
+    const auto last = m_shown.begin() + placeOf(high);
+    const auto movedFirst = m_shown.begin() + placeOf(start);
+    const auto movedLast = m_shown.begin() + placeOf(end + 1);
+    const int movedBy = down ? row - end - 1 : row - start;
+    for (auto it = first; it != last; ++it)
+        *it += it >= movedFirst && it < movedLast ? movedBy : (down ? -count : count);
+    // The shown rows that moved go past the others they passed: a rotation keeps the order.
+    if (down)
+        std::rotate(first, movedLast, last);
+    else
+        std::rotate(first, movedFirst, last);
     if (std::exchange(m_moving, false))
         endMoveRows();
 }
