@@ -279,7 +279,7 @@ private Q_SLOTS:
         QTest::newRow("into a folded group and out of it")
             << "" << QList<int>{Playing} << evening + Messages{ps("Bob", "3"), ps("Ann", "2")}
             << "Lobby (2), Bob 7 2, Cid 7 4, Playing (1), Away (1), bobby 1 3";
-        QTest::newRow("a renamed group row and an odd state are never hidden")
+        QTest::newRow("group rows stay; a player of no group is never folded away")
             << "x" << QList<int>{Lobby, Playing, Away}
             << Messages{an("Ann", "1", "3"), an("Max", "2", "0")}
             << "Lobby (1), Playing (0), Away (0), Max  2";
