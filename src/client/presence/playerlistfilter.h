@@ -15,7 +15,8 @@ namespace client {
 // A QSortFilterProxyModel takes every move of the model (a "PS", a buddy change) as a new
 // layout and filters the whole list again, which makes a burst of n status changes cost
 // O(n²) rows filtered. This proxy follows inserts, removals and moves one by one: it keeps the
-// shown source rows in order and re-checks only the rows that changed.
+// numbers of the shown source rows in order, renumbers those after a change (a pass over plain
+// integers) and filters only the rows that changed.
 class PlayerListFilter : public QAbstractProxyModel
 {
     Q_OBJECT

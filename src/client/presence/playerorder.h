@@ -39,12 +39,13 @@ private:
 
 // Owns the entries of the player list and keeps them in display order: by code as text,
 // descending; entries of one code by name (case ignored), equal names in order of arrival.
-// Adding, removing, re-placing and finding the row of an entry cost O(log n) plus a step per
-// distinct code (a handful), so a burst of n presence messages costs O(n log n) whatever the
-// order of arrival.
+// Adding, removing, re-placing and finding the row of an entry cost O(log n) comparisons, a
+// move inside one block of at most 128 entries and a step per distinct code (a handful), so a
+// burst of n presence messages costs O(n log n) whatever the order of arrival.
 //
-// Each code is a group holding its entries in sorted blocks of at most a few hundred; a
-// Fenwick tree over the blocks' sizes counts the entries before any block.
+// Each code is a group holding its entries in sorted blocks; a Fenwick tree over the blocks'
+// sizes counts the entries before any block. A block that grows too large splits in two and
+// the tree is built again, once per 64 additions at most.
 class PlayerOrder
 {
 public:
