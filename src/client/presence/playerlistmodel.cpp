@@ -287,14 +287,21 @@ void PlayerListModel::setName(int row, const QString &name)
     PlayerRow &entry = rowAt(row);
     if (entry.texts[Name] == name)
         return;
-    const int to = place(row, entry.texts[PlayerStatus], name, [this, &entry, &name] {
+    const auto rename = [this, &entry, &name] {
         const auto named = m_byName.find(entry.texts[Name]);
         named->removeOne(&entry);
         if (named->isEmpty())
             m_byName.erase(named);
         entry.texts[Name] = name;
         m_byName[name].append(&entry);
-    });
+    };
+    // A group row, relabelled after every message, is the only one of its code: it stays.
+    if (isGroupRowCode(entry.texts[PlayerStatus])) {
+        rename();
+        emitRowChanged(row, Name, Name, {Qt::DisplayRole, Qt::EditRole});
+        return;
+    }
+    const int to = place(row, entry.texts[PlayerStatus], name, rename);
     emitRowChanged(to, Name, Name, {Qt::DisplayRole, Qt::EditRole});
 }
 
