@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
 #include <QStyledItemDelegate>
@@ -39,6 +40,33 @@ public:
     }
 };
 
+// Space or Enter on the current row folds or unfolds it when it is a group row, as a click
+// does; on a player the keys do what they always do.
+class FoldKeys : public QObject
+{
+public:
+    FoldKeys(QAbstractItemView &view, PlayerListFilter &filter)
+        : QObject(&view), m_view(view), m_filter(filter)
+    {
+        view.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key != Qt::Key_Space && key != Qt::Key_Return && key != Qt::Key_Enter)
+            return false;
+        return m_filter.toggleGroupAt(m_view.currentIndex());
+    }
+
+private:
+    QAbstractItemView &m_view;
+    PlayerListFilter &m_filter;
+};
+
 } // namespace
 
 void configurePlayerListView(QTreeView &view, PlayerListFilter &filter, QLineEdit *findBox)
@@ -61,6 +89,7 @@ void configurePlayerListView(QTreeView &view, PlayerListFilter &filter, QLineEdi
     view.header()->setSectionsClickable(false);
     QObject::connect(&view, &QAbstractItemView::clicked, &filter,
                      [&filter](const QModelIndex &index) { filter.toggleGroupAt(index); });
+    new FoldKeys(view, filter); // owned by the view
     if (findBox) {
         findBox->setClearButtonEnabled(true);
         QObject::connect(findBox, &QLineEdit::textChanged, &filter,

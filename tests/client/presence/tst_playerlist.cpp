@@ -300,8 +300,9 @@ private Q_SLOTS:
         QCOMPARE(describe(list.filter), shown);
     }
 
-    // A click on a group row folds or unfolds it and never selects it; when the selected player
-    // leaves with many others, the selection does not fall onto a group row either.
+    // A click on a group row, or Space or Enter, folds or unfolds it and never selects it; when
+    // the selected player leaves with many others, the selection does not fall onto a group row
+    // either.
     void groupRowsFoldAndAreNeverSelected()
     {
         PlayerList list;
@@ -347,6 +348,11 @@ private Q_SLOTS:
         QCOMPARE(describe(list.filter),
                  QStringLiteral("Lobby (0), Playing (1), Zed 4 99, Away (0)"));
         QCOMPARE(folded(Model::Group::Playing), QVariant(false));
+        view.setCurrentIndex(list.filter.index(list.filter.groupRow(Model::Group::Away), 0));
+        QTest::keyClick(&view, Qt::Key_Space);
+        QCOMPARE(folded(Model::Group::Away), QVariant(true));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(folded(Model::Group::Away), QVariant(false));
         QVERIFY(!list.filter.index(2, 0).data(PlayerListFilter::FoldedRole).isValid()); // Zed
     }
 
