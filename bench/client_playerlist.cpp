@@ -2,11 +2,15 @@
 // holding n "AN" (a lobby filling up), and one arrival holding n "PS" that move every player to
 // another group. Rows:
 //   Announce/<n>, StatusChanges/<n>            the client's player list
+//   Filtered_Announce/<n>, Filtered_StatusChanges/<n>
+//                                              the same, shown through the name filter with a
+//                                              text typed in and the away group folded
 //   ResortEach_Announce/<n>, ResortEach_StatusChanges/<n>
 //                                              the old way: an item model re-sorted whole, and
 //                                              the groups counted by walking every row, after
 //                                              each message; lookups by a scan from the top
 #include "client/lobby/lobbydispatcher.h"
+#include "client/presence/playerlistfilter.h"
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "protocol/message.h"
@@ -116,6 +120,28 @@ struct ClientList
     PlayerListModel model;
     PlayerListHandlers handlers;
     qint64 gameRowCalls = 0;
+};
+
+// The client's list as the main window shows it: through the filter, in use.
+struct FilteredList : ClientList
+{
+    FilteredList()
+    {
+        filter.setNameFilter(QStringLiteral("player1"));
+        filter.setFolded(PlayerListModel::Group::Away, true);
+    }
+
+    bool holds(const std::array<int, 3> &counts) const
+    {
+        for (int r = 0; r < filter.rowCount(); ++r) {
+            const QString name = filter.index(r, 0).data().toString();
+            if (!name.startsWith(u' ') && !name.contains(QLatin1String("Player1")))
+                return false;
+        }
+        return ClientList::holds(counts);
+    }
+
+    PlayerListFilter filter{model};
 };
 
 // The old way, for comparison: a plain item model sorted whole after every message.
@@ -254,6 +280,14 @@ void StatusChanges(benchmark::State &state)
 {
     changeStatus<ClientList>(state);
 }
+void Filtered_Announce(benchmark::State &state)
+{
+    announce<FilteredList>(state);
+}
+void Filtered_StatusChanges(benchmark::State &state)
+{
+    changeStatus<FilteredList>(state);
+}
 void ResortEach_Announce(benchmark::State &state)
 {
     announce<ResortEachList>(state);
@@ -280,6 +314,8 @@ void resortSizes(benchmark::internal::Benchmark *b)
 
 BENCHMARK(Announce)->Apply(clientSizes);
 BENCHMARK(StatusChanges)->Apply(clientSizes);
+BENCHMARK(Filtered_Announce)->Apply(clientSizes);
+BENCHMARK(Filtered_StatusChanges)->Apply(clientSizes);
 BENCHMARK(ResortEach_Announce)->Apply(resortSizes);
 BENCHMARK(ResortEach_StatusChanges)->Apply(resortSizes);
 

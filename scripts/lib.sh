@@ -1,13 +1,15 @@
 # Shared by the scripts that run this build's programs; source it from the source folder.
 
-# start_lobby RUN_DIR: starts quorvel-server on 127.0.0.1 with open registration and a new
-# database in RUN_DIR, its output in RUN_DIR/server.log. Once it listens, sets lobby_port,
-# web_port and lobby_pid and adds the pid to the caller's pids array (for its clean-up). Fails,
+# start_lobby RUN_DIR [OPTION...]: starts quorvel-server on 127.0.0.1 with open registration,
+# a new database in RUN_DIR and any further server options, its output in RUN_DIR/server.log.
+# Once it listens, sets lobby_port, web_port and lobby_pid and adds the pid to the caller's pids array (for its clean-up). Fails,
 # showing the log, when the server ends or does not listen within 10 s.
 start_lobby() {
     local run_dir=$1
+    shift
+    : >"$run_dir/server.log" # there before the first look at it
     build/src/server/quorvel-server --listen 127.0.0.1 --port 0 --http-port 0 \
-        --db "$run_dir/lobby.sqlite" --registration open >"$run_dir/server.log" 2>&1 &
+        --db "$run_dir/lobby.sqlite" --registration open "$@" >"$run_dir/server.log" 2>&1 &
     lobby_pid=$!
     pids+=("$lobby_pid")
     lobby_port=""

@@ -43,6 +43,7 @@
 #include "client/presence/frmmenu.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/playerlistclicks.h"
+#include "client/presence/playerlistfilter.h"
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/playerlistview.h"
@@ -135,7 +136,8 @@ void ClientApplication::buildLobby()
                          this))
             ->attach(m_chat->log());
 
-    configurePlayerListView(*m_form->ListView2, *m_players);
+    configurePlayerListView(*m_form->ListView2, *new PlayerListFilter(*m_players, this),
+                            m_form->txtFindPlayer);
     m_playerHandlers = new PlayerListHandlers(*m_players, *m_dispatcher, this);
 
     setUpRoomListView(*m_form->ListView1, *m_rooms);

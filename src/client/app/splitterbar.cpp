@@ -10,9 +10,15 @@ SplitterBar::SplitterBar(QWidget *parent) : QWidget(parent)
     setCursor(Qt::SplitVCursor);
 }
 
+void SplitterBar::setStops(int top, int middle, int bottom)
+{
+    bottom = std::max(top, bottom);
+    m_stops = {top, std::clamp(middle, top, bottom), bottom};
+}
+
 void SplitterBar::moveTopTo(int top)
 {
-    move(x(), std::clamp(top, kMinTop, kMaxTop));
+    move(x(), std::clamp(top, topStop(), bottomStop()));
     Q_EMIT moved(y());
 }
 
@@ -20,13 +26,13 @@ void SplitterBar::stepByTag()
 {
     if (m_tag == QLatin1String("1")) {
         m_tag = QStringLiteral("2");
-        moveTopTo(kMinTop);
+        moveTopTo(topStop());
     } else if (m_tag == QLatin1String("2")) {
         m_tag = QStringLiteral("3");
-        moveTopTo(kStartTop);
+        moveTopTo(middleStop());
     } else if (m_tag == QLatin1String("3")) {
         m_tag = QStringLiteral("1");
-        moveTopTo(kMaxTop);
+        moveTopTo(bottomStop());
     } else {
         Q_EMIT moved(y());
     }

@@ -15,11 +15,6 @@ namespace client {
 
 namespace {
 
-bool isGroupCode(const QString &code)
-{
-    return code == QLatin1String("3") || code == QLatin1String("6") || code == QLatin1String("9");
-}
-
 bool isBuddy(const PlayerListModel &players, int row)
 {
     return protocol::readNumber(players.text(row, PlayerListModel::VanTrue)) == 1.0;
@@ -98,7 +93,9 @@ int FrmMenu::selectedPlayer() const
     if (index.model() != &m_players)
         return -1;
     const int row = index.row();
-    return isGroupCode(m_players.text(row, PlayerListModel::PlayerStatus)) ? -1 : row;
+    return PlayerListModel::isGroupRowCode(m_players.text(row, PlayerListModel::PlayerStatus))
+               ? -1
+               : row;
 }
 
 void FrmMenu::listClicked(Qt::MouseButton button, QPoint globalPos)

@@ -64,6 +64,29 @@ QVariant PlayerListModel::data(const QModelIndex &index, int role) const
     }
 }
 
+Qt::ItemFlags PlayerListModel::flags(const QModelIndex &index) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return Qt::NoItemFlags;
+    // A group row is a heading: it is never the selected player.
+    if (isGroupRowCode(rowAt(index.row()).texts[PlayerStatus]))
+        return Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+}
+
+std::optional<PlayerListModel::Group> PlayerListModel::groupOfCode(const QString &code)
+{
+    if (code.size() != 1 || code[0] < u'1' || code[0] > u'9')
+        return std::nullopt;
+    const int digit = code[0].unicode() - u'1';
+    return Group(2 - digit / 3);
+}
+
+bool PlayerListModel::isGroupRowCode(const QString &code)
+{
+    return code == kLobbyCode || code == kPlayingCode || code == kAwayCode;
+}
+
 QVariant PlayerListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     static const std::array<QString, ColumnCount> labels = {
@@ -110,7 +133,7 @@ int PlayerListModel::addEntry(Entry entry)
 {
     auto row = std::make_unique<PlayerRow>(std::move(entry));
     const QString code = row->texts[PlayerStatus];
-    const int at = m_order.groupEnd(code);
+    const int at = m_order.rowsBefore(code, row->texts[Name]);
     beginInsertRows(QModelIndex(), at, at);
     track(*row, +1);
     m_byName[row->texts[Name]].append(row.get());
@@ -248,36 +271,55 @@ bool PlayerListModel::hasGameAddress(const QString &address) const
     return !address.isEmpty() && m_gameAddressCounts.contains(address);
 }
 
-void PlayerListModel::setCode(int from, const QString &code)
+void PlayerListModel::setCode(int row, const QString &code)
 {
-    // The entry goes to the end of its new group; the rows below it move up first.
-    const int groupEnd = m_order.groupEnd(code);
-    const int to = groupEnd > from ? groupEnd - 1 : groupEnd;
-    PlayerRow *entry = m_order.at(from);
-    const bool moves = to != from;
-    if (moves)
-        beginMoveRows(QModelIndex(), from, from, QModelIndex(), to > from ? to + 1 : to);
-    track(*entry, -1);
-    entry->texts[PlayerStatus] = code;
-    track(*entry, +1);
-    m_order.insert(m_order.take(entry), code);
-    if (moves)
-        endMoveRows();
+    PlayerRow &entry = rowAt(row);
+    const int to = place(row, code, entry.texts[Name], [this, &entry, &code] {
+        track(entry, -1);
+        entry.texts[PlayerStatus] = code;
+        track(entry, +1);
+    });
     emitRowChanged(to, PlayerStatus, PlayerStatus, {Qt::DisplayRole, Qt::EditRole});
 }
 
 void PlayerListModel::setName(int row, const QString &name)
 {
-    PlayerRow *entry = m_order.at(row);
-    if (entry->texts[Name] == name)
+    PlayerRow &entry = rowAt(row);
+    if (entry.texts[Name] == name)
         return;
-    const auto named = m_byName.find(entry->texts[Name]);
-    named->removeOne(entry);
-    if (named->isEmpty())
-        m_byName.erase(named);
-    entry->texts[Name] = name;
-    m_byName[name].append(entry);
-    emitRowChanged(row, Name, Name, {Qt::DisplayRole, Qt::EditRole});
+    const auto rename = [this, &entry, &name] {
+        const auto named = m_byName.find(entry.texts[Name]);
+        named->removeOne(&entry);
+        if (named->isEmpty())
+            m_byName.erase(named);
+        entry.texts[Name] = name;
+        m_byName[name].append(&entry);
+    };
+    // A group row, relabelled after every message, is the only one of its code: it stays.
+    if (isGroupRowCode(entry.texts[PlayerStatus])) {
+        rename();
+        emitRowChanged(row, Name, Name, {Qt::DisplayRole, Qt::EditRole});
+        return;
+    }
+    const int to = place(row, entry.texts[PlayerStatus], name, rename);
+    emitRowChanged(to, Name, Name, {Qt::DisplayRole, Qt::EditRole});
+}
+
+template <typename Change>
+int PlayerListModel::place(int from, const QString &code, const QString &name, Change change)
+{
+    PlayerRow *entry = m_order.at(from);
+    const int before = m_order.rowsBefore(code, name, entry);
+    const int to = before > from ? before - 1 : before;
+    const bool moves = to != from;
+    if (moves)
+        beginMoveRows(QModelIndex(), from, from, QModelIndex(), to > from ? to + 1 : to);
+    std::unique_ptr<PlayerRow> taken = m_order.take(entry);
+    change();
+    m_order.insert(std::move(taken), code);
+    if (moves)
+        endMoveRows();
+    return to;
 }
 
 void PlayerListModel::track(const PlayerRow &row, int delta)

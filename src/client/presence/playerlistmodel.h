@@ -5,6 +5,7 @@
 #include <QAbstractTableModel>
 #include <QHash>
 #include <QIcon>
+#include <optional>
 
 namespace client {
 
@@ -16,11 +17,12 @@ namespace client {
 // Each entry also has a small-icon index (1..11 of Icons), a bold flag and an optional text
 // colour.
 //
-// The model is always in display order: sorted on `playerStatus` as text, descending. Entries
-// with the same code keep the order in which they got that code (an entry whose code changes
-// goes to the end of its new group). The order is kept on every change instead of sorting the
-// whole list afterwards, and the group counts are kept as entries change, so a burst of n
-// presence messages costs O(n log n).
+// The model is always in display order: sorted on `playerStatus` as text, descending; entries
+// with the same code by name, case ignored (a name announced twice keeps the order of its
+// announcements). The order is kept on every change instead of sorting the whole list
+// afterwards, and the group counts are kept as entries change, so a burst of n presence
+// messages costs O(n log n). Group rows are enabled but never selectable: the selection is
+// always a player.
 class PlayerListModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -57,6 +59,7 @@ public:
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
 
@@ -85,6 +88,10 @@ public:
     void countPlayers();
     // The number of entries whose code puts them in `group` (what `countPlayers` shows).
     int groupCount(Group group) const;
+    // The group an entry or group row of `code` belongs to; none for an empty or odd code.
+    static std::optional<Group> groupOfCode(const QString &code);
+    static bool isGroupRowCode(const QString &code);
+
     // Whether any entry has `address` as its `ipToGame` (so a running game still has players).
     bool hasGameAddress(const QString &address) const;
 
@@ -92,6 +99,10 @@ private:
     PlayerRow &rowAt(int row) const { return *m_order.at(row); }
     void setCode(int row, const QString &code);
     void setName(int row, const QString &name);
+    // Moves the entry at `from` to its place under `code` and `name`, running `change` (which
+    // writes them) while it is out of the order; returns its new row.
+    template <typename Change>
+    int place(int from, const QString &code, const QString &name, Change change);
     void track(const PlayerRow &row, int delta);
     void emitRowChanged(int row, int firstColumn, int lastColumn, const QList<int> &roles = {});
     QIcon iconFor(int index) const;

@@ -21,17 +21,31 @@ struct PlayerRow
 
 private:
     friend class PlayerOrder;
+    // Where the entry stands among the entries of its code: by name without regard to case,
+    // then by exact name, then by arrival (a name announced twice keeps its announcements'
+    // order). Kept apart from `texts` so that a renamed entry can still be found until it is
+    // placed again.
+    struct Key
+    {
+        QString folded;
+        QString name;
+        quint64 arrival = 0;
+
+        bool operator<(const Key &other) const;
+    };
     QString m_orderCode; // the code the entry is ordered under
-    qsizetype m_slot = -1;
+    Key m_key;
 };
 
 // Owns the entries of the player list and keeps them in display order: by code as text,
-// descending; entries of one code in the order in which they got that code. Adding, removing,
-// re-coding and finding the row of an entry cost O(log n) plus a step per distinct code (a
-// handful), so a burst of n presence messages costs O(n log n) whatever the order of arrival.
+// descending; entries of one code by name (case ignored), equal names in order of arrival.
+// Adding, removing, re-placing and finding the row of an entry cost O(log n) comparisons, a
+// move inside one block of at most 128 entries and a step per distinct code (a handful), so a
+// burst of n presence messages costs O(n log n) whatever the order of arrival.
 //
-// Each code is a group holding its entries in slots, oldest first; a removed entry leaves an
-// empty slot, and a Fenwick tree over the slots counts the entries before any slot.
+// Each code is a group holding its entries in sorted blocks; a Fenwick tree over the blocks'
+// sizes counts the entries before any block. A block that grows too large splits in two and
+// the tree is built again, once per 64 additions at most.
 class PlayerOrder
 {
 public:
@@ -42,35 +56,50 @@ public:
     PlayerRow *at(int row) const;
     int rowOf(const PlayerRow *entry) const;
 
-    // The first row of the entries of `code`, and the row just after them (where a new entry
-    // of that code goes).
+    // The first row of the entries of `code`, and the row just after them.
     int groupStart(const QString &code) const;
     int groupEnd(const QString &code) const;
 
-    // Adds `entry` as the last entry of `code`.
+    // How many entries stand before an entry of `code` named `name`: a new one (the newest
+    // arrival) when `entry` is null, else `entry` itself with its arrival, as if it had that
+    // code and name; `entry` is counted when it stands before that place.
+    int rowsBefore(const QString &code, const QString &name,
+                   const PlayerRow *entry = nullptr) const;
+
+    // Adds `entry` under `code` and its present name; an entry taken out keeps its arrival.
     void insert(std::unique_ptr<PlayerRow> entry, const QString &code);
     std::unique_ptr<PlayerRow> take(PlayerRow *entry);
     void clear();
 
 private:
+    using Key = PlayerRow::Key;
+    using Block = std::vector<std::unique_ptr<PlayerRow>>;
+
     struct Group
     {
-        std::vector<std::unique_ptr<PlayerRow>> slots;
-        std::vector<int> tree; // Fenwick tree over slots: 1 where a slot holds an entry
+        std::vector<Block> blocks; // each sorted and not empty; together in order
+        std::vector<int> tree;     // Fenwick tree over the blocks' sizes
         int count = 0;
 
-        int countBefore(qsizetype slot) const;
-        qsizetype slotOf(int index) const;
-        void append(std::unique_ptr<PlayerRow> entry);
-        std::unique_ptr<PlayerRow> take(qsizetype slot);
-        void compact();
+        int countBefore(const Key &key) const;
+        PlayerRow *at(int index) const;
+        void insert(std::unique_ptr<PlayerRow> entry);
+        std::unique_ptr<PlayerRow> take(const PlayerRow *entry);
+
+    private:
+        std::size_t blockFor(const Key &key) const;
+        int sizesBefore(std::size_t block) const;
+        void addToTree(std::size_t block, int delta);
+        void rebuildTree();
     };
     using Groups = std::map<QString, Group, std::greater<QString>>;
 
+    static Key keyOf(const QString &name, quint64 arrival);
     int rowsBefore(Groups::const_iterator group) const;
 
     Groups m_groups;
     int m_size = 0;
+    quint64 m_arrivals = 0;
 };
 
 } // namespace client

@@ -1,12 +1,14 @@
 #include "client/rooms/roomlistmodel.h"
 
+#include "client/rooms/roomorder.h"
 #include "client/ui/icons.h"
 
 namespace client {
 
 namespace {
 
-// A cell of the list. The list compares texts as text, without regard to case.
+// A cell of the list. Cells compare as compareRoomCells says; rows whose cells are equal
+// follow their hosts' names.
 class RoomListItem : public QStandardItem
 {
 public:
@@ -15,7 +17,19 @@ public:
     QStandardItem *clone() const override { return new RoomListItem(*this); }
     bool operator<(const QStandardItem &other) const override
     {
-        return QString::compare(text(), other.text(), Qt::CaseInsensitive) < 0;
+        if (const int order = compareRoomCells(column(), text(), other.text()))
+            return order < 0;
+        const QStandardItem *host = hostOf(*this);
+        const QStandardItem *otherHost = hostOf(other);
+        if (column() == RoomListModel::Host || !host || !otherHost)
+            return false;
+        return compareRoomCells(RoomListModel::Host, host->text(), otherHost->text()) < 0;
+    }
+
+private:
+    static const QStandardItem *hostOf(const QStandardItem &cell)
+    {
+        return cell.model() ? cell.model()->item(cell.row(), RoomListModel::Host) : nullptr;
     }
 };
 
@@ -30,6 +44,11 @@ RoomListModel::RoomListModel(QObject *parent) : QStandardItemModel(0, ColumnCoun
     setItemPrototype(new RoomListItem); // the model owns the prototype
 }
 
+QIcon RoomListModel::pictureOf(IconIndex icon)
+{
+    return icon == OpenRoom ? Icons::openRoom() : Icons::smallIcon(int(icon));
+}
+
 int RoomListModel::appendRow(const QStringList &columns, const QString &tag, IconIndex icon)
 {
     QList<QStandardItem *> items;
@@ -41,7 +60,7 @@ int RoomListModel::appendRow(const QStringList &columns, const QString &tag, Ico
     }
     items[0]->setData(tag, TagRole);
     items[0]->setData(int(icon), IconRole);
-    items[0]->setIcon(Icons::smallIcon(int(icon)));
+    items[0]->setIcon(pictureOf(icon));
     QStandardItemModel::appendRow(items); // the model owns the items
     const QPersistentModelIndex placed(index(rowCount() - 1, 0));
     if (m_sorted)
@@ -72,7 +91,7 @@ RoomListModel::IconIndex RoomListModel::icon(int row) const
 void RoomListModel::setIcon(int row, IconIndex icon)
 {
     setData(index(row, 0), int(icon), IconRole);
-    setData(index(row, 0), Icons::smallIcon(int(icon)), Qt::DecorationRole);
+    setData(index(row, 0), pictureOf(icon), Qt::DecorationRole);
 }
 
 int RoomListModel::findRoomRow(const QString &host) const

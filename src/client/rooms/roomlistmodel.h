@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QStandardItemModel>
 
 namespace client {
@@ -21,6 +22,10 @@ public:
     static constexpr int IconRole = Qt::UserRole + 2; // on column 0: IconIndex
 
     explicit RoomListModel(QObject *parent = nullptr);
+
+    // The picture of a row kind: an open room has a picture of its own (index 2 is the
+    // players' picture), the others their small icons.
+    static QIcon pictureOf(IconIndex icon);
 
     // Appends a row with the six column texts, its tag and icon; in sorted mode the list is
     // sorted again, so the row moves to its place. Returns the row where it stands.
@@ -48,7 +53,8 @@ public:
     // mode; a click on the column clicked last flips the order (descending becomes ascending,
     // anything else descending), a click on another column keeps it. Both the last clicked
     // and the sort column start at "Host", so the first click on "Host" already flips.
-    // Texts compare without regard to case; equal texts keep their order.
+    // Cells compare as people read them (compareRoomCells); equal cells follow the hosts'
+    // names, and rows equal in both keep their order.
     void sortByHeader(int column);
     bool isSorted() const { return m_sorted; }
     Qt::SortOrder sortOrder() const { return m_order; }

@@ -30,6 +30,11 @@ QIcon Icons::smallIcon(int index)
     return iconAt(QStringLiteral(":/icons/small%1.svg").arg(index, 2, 10, QLatin1Char('0')));
 }
 
+QIcon Icons::openRoom()
+{
+    return iconAt(QStringLiteral(":/icons/openroom.svg"));
+}
+
 QIcon Icons::button(const QString &name)
 {
     return iconAt(QStringLiteral(":/icons/%1.svg").arg(name));

@@ -31,6 +31,9 @@ public:
 
     // A null icon for an index outside 1..11.
     static QIcon smallIcon(int index);
+    // What the room list draws for an open room instead of index 2, which is also every
+    // player's picture: an open padlock, the locked room's padlock opened.
+    static QIcon openRoom();
     // A button picture by name: "close", "hide", "options", "createroom", "resetstats",
     // "viewstats", "refreshpings", "send". A null icon for an unknown name.
     static QIcon button(const QString &name);

@@ -1,5 +1,6 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/presence/playerlistfilter.h"
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/playerlistview.h"
@@ -40,24 +41,26 @@ QByteArray ps(const QString &name, const QString &state, const QString &address 
     return protocol::buildMessage(Code::PlayerStatus, {name, state, address});
 }
 
-// The rows top to bottom: a group row by its name, an entry as "name code index @address",
-// marked "*" when bold and "!" when orange.
-QString describe(const Model &model)
+// The rows top to bottom, of the model or of what the filter shows of it: a group row by its
+// name, an entry as "name code index @address", marked "*" when bold and "!" when orange.
+QString describe(const QAbstractItemModel &shown)
 {
     QStringList rows;
-    for (int r = 0; r < model.rowCount(); ++r) {
-        const QString code = model.text(r, Model::PlayerStatus);
+    for (int r = 0; r < shown.rowCount(); ++r) {
+        const auto text = [&](Model::Column c) { return shown.index(r, c).data().toString(); };
+        const QString code = text(Model::PlayerStatus);
         if (code == "9" || code == "6" || code == "3") {
-            rows << model.text(r, Model::Name).trimmed();
+            rows << text(Model::Name).trimmed();
             continue;
         }
-        const QVariant colour = model.index(r, 0).data(Qt::ForegroundRole);
-        QString row = QStringLiteral("%1%2%3 %4 %5")
-                          .arg(model.isBold(r) ? "*" : "",
-                               colour.isValid() ? colour.value<QColor>().name() : "",
-                               model.text(r, Model::Name), code, model.text(r, Model::Index));
-        if (!model.text(r, Model::IpToGame).isEmpty())
-            row += " @" + model.text(r, Model::IpToGame);
+        const QVariant colour = shown.index(r, 0).data(Qt::ForegroundRole);
+        const bool bold = shown.index(r, 0).data(Qt::FontRole).value<QFont>().bold();
+        QString row =
+            QStringLiteral("%1%2%3 %4 %5")
+                .arg(bold ? "*" : "", colour.isValid() ? colour.value<QColor>().name() : "",
+                     text(Model::Name), code, text(Model::Index));
+        if (!text(Model::IpToGame).isEmpty())
+            row += " @" + text(Model::IpToGame);
         rows << row.replace("#ff8000", "!");
     }
     return rows.join(", ");
@@ -89,6 +92,7 @@ struct PlayerList
     LobbyDispatcher dispatcher;
     Model model;
     PlayerListHandlers handlers;
+    PlayerListFilter filter{model};
     QStringList calls;
 };
 
@@ -111,6 +115,12 @@ private Q_SLOTS:
         QTest::newRow("buddy above the other lobby player; only the highlighted is orange")
             << Messages{an(b, "1", "3", {}, "0", "True"), an(a, "2", "3", {}, "1")}
             << "Lobby (2), *Ann 8 2, !Bob 7 1, Playing (0), Away (0)" << QStringList{};
+        QTest::newRow("a group's players by name, case ignored; equal names as announced")
+            << Messages{an(c, "1", "3"), an("bob", "2", "3"), an("ann", "3", "3"),
+                        an(b, "4", "3"), an("bob", "5", "3"), ps("ann", "1"),
+                        ps("ann", "3")}
+            << "Lobby (5), ann 7 3, Bob 7 4, bob 7 2, bob 7 5, Cid 7 1, Playing (0), Away (0)"
+            << QStringList{};
         QTest::newRow("each state under its group")
             << Messages{an(a, "1", "1"), an(b, "2", "2", g1, "1"), an(c, "3", "3")}
             << "Lobby (1), Cid 7 3, Playing (1), *Bob 5 2 @10.0.0.1, Away (1), Ann 1 1"
@@ -154,8 +164,9 @@ private Q_SLOTS:
     }
 
     // Random traffic, in phases that grow the list to several hundred entries and shrink it
-    // again, against a plain reference: a list that takes each new or re-coded entry off,
-    // appends it and stable-sorts everything by code, descending, after every message.
+    // again, against a plain reference sorted whole after every message: by code, descending,
+    // then by name without regard to case, equal names in order of announcement. What the
+    // filter shows is checked too, while its text and the folded groups change now and then.
     void matchesFullResortUnderRandomTraffic()
     {
         struct Ref
@@ -163,23 +174,36 @@ private Q_SLOTS:
             QString name, ip;
             int state; // 0 is outside 1..3
             bool buddy;
+            int arrival;
             int code() const { return state ? 3 * state - 2 + buddy : 0; }
+            bool operator<(const Ref &o) const
+            {
+                if (code() != o.code())
+                    return code() > o.code();
+                const int c = name.toCaseFolded().compare(o.name.toCaseFolded());
+                return c ? c < 0 : name != o.name ? name < o.name : arrival < o.arrival;
+            }
         };
         QList<Ref> ref;
         PlayerList list(false);
-        // Checks every insert, move and removal signal against the model's contents while the
-        // list is small: it walks the whole model each time.
-        std::optional<QAbstractItemModelTester> tester;
+        // Checks every signal of the model and of the filter against their contents while the
+        // list is small: each walks the whole model each time.
+        std::optional<QAbstractItemModelTester> tester, filterTester;
         tester.emplace(&list.model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        filterTester.emplace(&list.filter, QAbstractItemModelTester::FailureReportingMode::QtTest);
         QTreeView view;
-        configurePlayerListView(view, list.model);
+        configurePlayerListView(view, list.filter);
         for (int c = 0; c < Model::ColumnCount; ++c)
             QCOMPARE(view.isColumnHidden(c), c != Model::Name);
         QRandomGenerator random(20261123);
+        int arrivals = 0;
         for (int step = 0; step < 6000; ++step) {
-            if (step == 500)
+            if (step == 500) {
                 tester.reset();
-            const QString name = QStringLiteral("p%1").arg(random.bounded(300));
+                filterTester.reset();
+            }
+            const QString name =
+                QStringLiteral("%1%2").arg(random.bounded(2) ? "p" : "P").arg(random.bounded(150));
             const int state = int(random.bounded(4));
             const QString ip =
                 random.bounded(2) ? QStringLiteral("10.0.0.%1").arg(random.bounded(4)) : QString();
@@ -189,7 +213,7 @@ private Q_SLOTS:
             if (action < ((step / 1500) % 2 ? 2 : 6)) {
                 const bool buddy = random.bounded(4) == 0;
                 list.receive({an(name, "1", QString::number(state), ip, buddy ? "1" : "0")});
-                ref.append({name, ip, state, buddy});
+                ref.append({name, ip, state, buddy, ++arrivals});
             } else if (action < 8) {
                 list.receive({rn(name)});
                 if (first != ref.end())
@@ -198,23 +222,29 @@ private Q_SLOTS:
                 list.receive({ps(name, QString::number(state), ip)});
                 if (first != ref.end()) {
                     first->ip = ip;
-                    if (state && state != first->state) {
-                        const Ref moved{name, ip, state, first->buddy};
-                        ref.erase(first);
-                        ref.append(moved);
-                    }
+                    if (state)
+                        first->state = state;
                 }
             }
-            std::stable_sort(ref.begin(), ref.end(),
-                             [](const Ref &x, const Ref &y) { return x.code() > y.code(); });
+            std::sort(ref.begin(), ref.end());
+            if (step % 37 == 0) {
+                list.filter.setNameFilter(QStringList{"", "1", " P2", "p1"}[random.bounded(4)]);
+                list.filter.setFolded(Model::Group(random.bounded(3)), random.bounded(2));
+            }
             if (step % 10)
                 continue; // the counts and the order are kept across messages: faults persist
-            QStringList expected;
-            for (const Ref &r : ref)
-                expected << (r.buddy ? "*" : "") + r.name + u' ' +
-                                (r.state ? QString::number(r.code()) : "") + " 1" +
-                                (r.ip.isEmpty() ? "" : " @" + r.ip);
+            QStringList expected, shown;
+            for (const Ref &r : ref) {
+                const QString row = (r.buddy ? "*" : "") + r.name + u' ' +
+                                    (r.state ? QString::number(r.code()) : "") + " 1" +
+                                    (r.ip.isEmpty() ? "" : " @" + r.ip);
+                expected << row;
+                if (r.name.contains(list.filter.nameFilter(), Qt::CaseInsensitive) &&
+                    !(r.state && list.filter.isFolded(Model::Group(3 - r.state))))
+                    shown << row;
+            }
             QCOMPARE(describe(list.model), expected.join(", "));
+            QCOMPARE(describe(list.filter), shown.join(", "));
             for (int g = 0; g < 3; ++g)
                 QCOMPARE(list.model.groupCount(Model::Group(g)),
                          int(std::count_if(ref.begin(), ref.end(),
@@ -227,14 +257,114 @@ private Q_SLOTS:
         QCOMPARE(describe(list.model), QStringLiteral("Lobby (1), Bob 7 1, Playing (0), Away (0)"));
     }
 
+    // The filter is set first, then the traffic comes: what it shows follows every message.
+    void filtersAndFolds_data()
+    {
+        QTest::addColumn<QString>("filter");
+        QTest::addColumn<QList<int>>("folded"); // Model::Group
+        QTest::addColumn<Messages>("messages");
+        QTest::addColumn<QString>("shown");
+
+        enum G { Lobby, Playing, Away };
+        const Messages evening{an("Ann", "1", "3"), an("Bob", "2", "2", "10.0.0.1"),
+                               an("bobby", "3", "1"), an("Cid", "4", "3")};
+        QTest::newRow("part of a name, case ignored; groups keep their counts")
+            << " BOB" << QList<int>{} << evening
+            << "Lobby (2), Playing (1), Bob 4 2 @10.0.0.1, Away (1), bobby 1 3";
+        QTest::newRow("no match leaves the group rows")
+            << "zed" << QList<int>{} << evening << "Lobby (2), Playing (1), Away (1)";
+        QTest::newRow("folded groups keep their rows and counts")
+            << "" << QList<int>{Lobby, Away} << evening
+            << "Lobby (2), Playing (1), Bob 4 2 @10.0.0.1, Away (1)";
+        QTest::newRow("into a folded group and out of it")
+            << "" << QList<int>{Playing} << evening + Messages{ps("Bob", "3"), ps("Ann", "2")}
+            << "Lobby (2), Bob 7 2, Cid 7 4, Playing (1), Away (1), bobby 1 3";
+        QTest::newRow("group rows stay; a player of no group is never folded away")
+            << "x" << QList<int>{Lobby, Playing, Away}
+            << Messages{an("Ann", "1", "3"), an("Max", "2", "0")}
+            << "Lobby (1), Playing (0), Away (0), Max  2";
+    }
+    void filtersAndFolds()
+    {
+        QFETCH(QString, filter);
+        QFETCH(QList<int>, folded);
+        QFETCH(Messages, messages);
+        QFETCH(QString, shown);
+        PlayerList list;
+        QAbstractItemModelTester tester(&list.filter,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        list.filter.setNameFilter(filter);
+        for (int group : folded)
+            list.filter.setFolded(Model::Group(group), true);
+        list.receive(messages);
+        QCOMPARE(describe(list.filter), shown);
+    }
+
+    // A click on a group row, or Space or Enter, folds or unfolds it and never selects it; when
+    // the selected player leaves with many others, the selection does not fall onto a group row
+    // either.
+    void groupRowsFoldAndAreNeverSelected()
+    {
+        PlayerList list;
+        QTreeView view;
+        configurePlayerListView(view, list.filter);
+        view.resize(200, 300);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        Messages joins{an("Zed", "99", "2")}, leaves;
+        for (int i = 0; i < 40; ++i) {
+            joins << an(QStringLiteral("p%1").arg(i), QString::number(i), "3");
+            leaves << rn(QStringLiteral("p%1").arg(i));
+        }
+        list.receive(joins);
+        const auto click = [&](int row) {
+            const QModelIndex at = list.filter.index(row, 0);
+            view.scrollTo(at);
+            QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.visualRect(at).center());
+        };
+        const auto selected = [&] {
+            QStringList names;
+            for (const QModelIndex &row : view.selectionModel()->selectedRows())
+                names << row.data().toString();
+            return names.join(',');
+        };
+        const int playing = list.filter.groupRow(Model::Group::Playing);
+        click(playing - 1); // the last lobby player, just above the playing group's row
+        QCOMPARE(selected(), QStringLiteral("p9"));
+        list.receive(leaves);
+        QCOMPARE(selected(), QString());
+
+        click(list.filter.groupRow(Model::Group::Playing));
+        QVERIFY(list.filter.isFolded(Model::Group::Playing));
+        const auto folded = [&](Model::Group group) {
+            return list.filter.index(list.filter.groupRow(group), 0)
+                .data(PlayerListFilter::FoldedRole);
+        };
+        QCOMPARE(folded(Model::Group::Playing), QVariant(true));
+        QCOMPARE(folded(Model::Group::Away), QVariant(false));
+        QCOMPARE(selected(), QString());
+        QCOMPARE(describe(list.filter), QStringLiteral("Lobby (0), Playing (1), Away (0)"));
+        click(list.filter.groupRow(Model::Group::Playing));
+        QCOMPARE(describe(list.filter),
+                 QStringLiteral("Lobby (0), Playing (1), Zed 4 99, Away (0)"));
+        QCOMPARE(folded(Model::Group::Playing), QVariant(false));
+        view.setCurrentIndex(list.filter.index(list.filter.groupRow(Model::Group::Away), 0));
+        QTest::keyClick(&view, Qt::Key_Space);
+        QCOMPARE(folded(Model::Group::Away), QVariant(true));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(folded(Model::Group::Away), QVariant(false));
+        QVERIFY(!list.filter.index(2, 0).data(PlayerListFilter::FoldedRole).isValid()); // Zed
+    }
+
     // The context menu acts on the selected entry: the selection follows it when it moves.
     void selectionFollowsAMovedEntry()
     {
         PlayerList list;
         list.receive({an("Ann", "1", "3"), an("Bob", "2", "3")});
-        QItemSelectionModel selection(&list.model);
-        selection.setCurrentIndex(list.model.index(list.model.findEntry("Ann"), 0),
-                                  QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        QItemSelectionModel selection(&list.filter);
+        selection.setCurrentIndex(
+            list.filter.mapFromSource(list.model.index(list.model.findEntry("Ann"), 0)),
+            QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         list.receive({ps("Ann", "1"), an("Cid", "3", "1"), rn("Bob")});
         QCOMPARE(selection.selectedRows().size(), 1);
         QCOMPARE(selection.selectedRows().first().data().toString(), QStringLiteral("Ann"));

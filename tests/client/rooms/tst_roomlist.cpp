@@ -2,6 +2,7 @@
 #include "client/rooms/roomlisthandlers.h"
 #include "client/rooms/roomlistmodel.h"
 #include "client/rooms/roomlistview.h"
+#include "client/ui/icons.h"
 #include "protocol/message.h"
 
 #include <QHeaderView>
@@ -151,19 +152,33 @@ private Q_SLOTS:
         QCOMPARE(m_events, events);
     }
 
+    // Rooms as "host|status|players", then a running game at 10.0.9.9 whose ping is 35.
     void headerClicksSort_data()
     {
+        QTest::addColumn<QStringList>("rooms");
         QTest::addColumn<QList<int>>("clicks");
         QTest::addColumn<QString>("hosts");
-        QTest::newRow("first click on Host flips") << QList<int>{0} << "Cy Bob al";
-        QTest::newRow("second click on Host") << QList<int>{0, 0} << "al Bob Cy";
-        QTest::newRow("Players by count") << QList<int>{4} << "Bob al Cy";
-        QTest::newRow("other column keeps descending") << QList<int>{0, 4} << "Cy al Bob";
-        QTest::newRow("out-of-range column ignored") << QList<int>{4, 9, 4} << "Cy al Bob";
+        const QStringList three{"Bob|c|3", "al|c|12", "Cy|c|100"};
+        QTest::newRow("first click on Host flips") << three << QList<int>{0} << "N/A Cy Bob al";
+        QTest::newRow("second click on Host") << three << QList<int>{0, 0} << "al Bob Cy N/A";
+        QTest::newRow("Players by count") << three << QList<int>{4} << "Bob al Cy N/A";
+        QTest::newRow("other column keeps descending")
+            << three << QList<int>{0, 4} << "N/A Cy al Bob";
+        QTest::newRow("out-of-range column ignored")
+            << three << QList<int>{4, 9, 4} << "N/A Cy al Bob";
+        QTest::newRow("names: case and accents ignored, numbers by value")
+            << QStringList{"Zed|c|1", "bob10|c|1", "Émile|c|1", "Bob9|c|1", "bob9|c|1"}
+            << QList<int>{0, 0} << "Bob9 bob9 bob10 Émile N/A Zed";
+        QTest::newRow("equal cells follow the host")
+            << QStringList{"dan|In chat|2", "Cy|In game|2", "al|In chat|2", "Bo|In game|2"}
+            << QList<int>{3} << "al dan Bo Cy N/A";
+        QTest::newRow("pings by value, no ping after them")
+            << QStringList{"al|c|1", "Bo|c|1"} << QList<int>{2} << "N/A al Bo";
     }
     // Clicks on the view's header; a column past the last reaches the model directly.
     void headerClicksSort()
     {
+        QFETCH(QStringList, rooms);
         QFETCH(QList<int>, clicks);
         QFETCH(QString, hosts);
         QTreeView view;
@@ -171,9 +186,13 @@ private Q_SLOTS:
         view.resize(600, 200);
         view.show();
         QVERIFY(QTest::qWaitForWindowExposed(&view));
-        addRoom("Bob", "10.0.0.1", "3");
-        addRoom("al", "10.0.0.2", "12");
-        addRoom("Cy", "10.0.0.3", "100");
+        for (const QString &room : rooms) {
+            const QStringList f = room.split('|');
+            m_dispatcher->receive(protocol::buildMessage(
+                Code::AddRoom, {f[0], "r", "10.0.0." + f[2], f[1], f[2], "0"}));
+        }
+        m_handlers->addGameRow("10.0.9.9");
+        m_rooms->setText(m_rooms->findRowByTag("10.0.9.9"), RoomListModel::Ping, padLeft8("35"));
         QHeaderView *header = view.header();
         for (int c : clicks) {
             const int x = header->sectionViewportPosition(c) + header->sectionSize(c) / 2;
@@ -188,6 +207,24 @@ private Q_SLOTS:
         QCOMPARE(order.join(' '), hosts);
         QCOMPARE(header->sortIndicatorSection(), m_rooms->sortKey());
         QCOMPARE(header->sortIndicatorOrder(), m_rooms->sortOrder());
+    }
+
+    // Each kind of row has a picture of its own, and an open room does not look like a player.
+    void rowKindsLookApart()
+    {
+        addRoom("Al", "10.0.0.1", "2");
+        addRoom("Bo", "10.0.0.2", "2");
+        m_dispatcher->receive(protocol::buildMessage(Code::LockRoom, {"Bo", "1"}));
+        m_handlers->addGameRow("10.0.0.3");
+        QList<QImage> pictures{Icons::smallIcon(Icons::OpenRoom).pixmap(16).toImage()};
+        for (int r = 0; r < m_rooms->rowCount(); ++r)
+            pictures << m_rooms->item(r, 0)->icon().pixmap(16).toImage();
+        for (int a = 0; a < pictures.size(); ++a) {
+            QVERIFY(!pictures[a].isNull());
+            for (int b = a + 1; b < pictures.size(); ++b)
+                QVERIFY2(pictures[a] != pictures[b],
+                         qPrintable(QStringLiteral("%1 %2").arg(a).arg(b)));
+        }
     }
 
     void handlersLeaveWithTheirObject()
