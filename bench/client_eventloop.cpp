@@ -10,6 +10,7 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/lobbychat.h"
+#include "client/presence/playerlistfilter.h"
 #include "client/presence/playerlisthandlers.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/presence/playerlistview.h"
@@ -74,7 +75,7 @@ struct Lobby
           handlers(players, dispatcher)
     {
         chat.registerHandler(dispatcher);
-        configurePlayerListView(*form.ListView2, players);
+        configurePlayerListView(*form.ListView2, filter, form.txtFindPlayer);
         players.addGroupRows();
         form.showAtNormalSize();
         (void)QTest::qWaitForWindowExposed(&form);
@@ -87,6 +88,7 @@ struct Lobby
     LobbyConnection connection;
     LobbyChat chat;
     PlayerListModel players;
+    PlayerListFilter filter{players};
     PlayerListHandlers handlers;
 };
 
