@@ -39,7 +39,8 @@ const char *const kSchemaV1[] = {
     " text TEXT NOT NULL)",
 };
 
-// A round is kept once per uploader (round_key identifies its content, whoever sent it). The
+// A round is kept once per uploader: round_key identifies its content, whoever sent it, and the
+// same content from the same uploader within a minute is one round reported twice. The
 // uploader's own record is copied into own_p1..own_p3 so that his figures are summed from
 // one covering index; stats_totals holds the same sums since his last reset, for ranking.
 const char *const kSchemaV2[] = {
@@ -54,8 +55,8 @@ const char *const kSchemaV2[] = {
     " header_b TEXT NOT NULL,"
     " own_p1 REAL NOT NULL DEFAULT 0,"
     " own_p2 REAL NOT NULL DEFAULT 0,"
-    " own_p3 REAL NOT NULL DEFAULT 0,"
-    " UNIQUE (uploader_id, round_key))",
+    " own_p3 REAL NOT NULL DEFAULT 0)",
+    "CREATE INDEX stats_uploads_by_key ON stats_uploads (uploader_id, round_key, received)",
     "CREATE INDEX stats_uploads_counted ON stats_uploads"
     " (uploader_id, id, game_type, own_p1, own_p2, own_p3, own_index) WHERE own_index > 0",
     "CREATE TABLE stats_records ("

@@ -86,9 +86,23 @@ StatsStore::Added StatsStore::addRound(int uploaderId, const protocol::StatsUplo
         own = upload.records[upload.ownIndex - 1];
     Added added = counted ? Added::Counted : Added::Uncounted;
     const bool ok = inTransaction(m_database, "statistics upload", [&](QString &error) {
+        // A log is uploaded only while it is seconds old, so the same content again within a
+        // minute is that log reported twice; later, it is another round that went the same way.
+        QSqlQuery earlier(m_database.handle());
+        earlier.prepare(QStringLiteral("SELECT 1 FROM stats_uploads WHERE uploader_id = ? AND "
+                                       "round_key = ? AND received > ? LIMIT 1"));
+        earlier.addBindValue(uploaderId);
+        earlier.addBindValue(roundKey(upload));
+        earlier.addBindValue(timeText(received.addSecs(-kRepeatWindowSeconds)));
+        if (!run(earlier, error))
+            return false;
+        if (earlier.next()) {
+            added = Added::Duplicate;
+            return true;
+        }
         QSqlQuery round(m_database.handle());
         round.prepare(QStringLiteral(
-            "INSERT OR IGNORE INTO stats_uploads (uploader_id, received, round_key, own_index, "
+            "INSERT INTO stats_uploads (uploader_id, received, round_key, own_index, "
             "game_type, header_a, header_b, own_p1, own_p2, own_p3) "
             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
         round.addBindValue(uploaderId);
@@ -103,10 +117,6 @@ StatsStore::Added StatsStore::addRound(int uploaderId, const protocol::StatsUplo
         round.addBindValue(number(own.p3).value_or(0));
         if (!run(round, error))
             return false;
-        if (round.numRowsAffected() == 0) {
-            added = Added::Duplicate;
-            return true;
-        }
         const qint64 id = round.lastInsertId().toLongLong();
 
         QSqlQuery record(m_database.handle());

@@ -53,7 +53,8 @@ struct RejectedUpload
 
 // The statistics of the lobby: the rounds players uploaded, the restarts of their figures,
 // and the uploads refused as malformed. A round counts for its uploader only, and only
-// through his own record; the same round from the same uploader is kept once. A reset keeps
+// through his own record; the same round from the same uploader within kRepeatWindowSeconds is
+// kept once. A reset keeps
 // every upload and only moves the point from which the figures count. Every write is one
 // committed transaction.
 class StatsStore
@@ -61,6 +62,7 @@ class StatsStore
 public:
     enum class Added { Counted, Uncounted, Duplicate, Failed };
 
+    static constexpr int kRepeatWindowSeconds = 60;
     static constexpr int kRejectedKeptPerSender = 100;
     static constexpr qsizetype kMaxRejectedChars = 4096;
 
