@@ -1,7 +1,7 @@
 // Statistics end to end: two clients in a room, the host starts the game and the member's
 // follows, both through the real launcher with the stand-in game, which writes a results log
 // after each round into its folder; each client uploads its rounds, which the server's page of
-// each player shows. A reset from one player restarts his page only.
+// each player shows.
 // ctest: xvfb
 // ctest: lock=gameport
 // ctest: timeout=180
@@ -65,7 +65,7 @@ class TestStats : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void roundsUploadedAndReset()
+    void roundsUploaded()
     {
         ServerProcess server;
         QTemporaryDir serverHome;
@@ -75,7 +75,6 @@ private Q_SLOTS:
         QVERIFY(logIn({&ann, &bob}));
         for (Player *player : {&ann, &bob})
             player->clock.set(QDateTime::currentDateTime());
-        QVERIFY(ann.page(server).contains("No rounds yet."));
 
         ann.app.form().picCreateRoom->click();
         ann.app.windows().frmMakeRoom()->Text1->insert("stats");
@@ -89,22 +88,11 @@ private Q_SLOTS:
         QTRY_VERIFY(!ann.room()->picStartGame->isHidden());
         ann.room()->picStartGame->click();
         QTRY_COMPARE(bob.games.commandLines.size(), 1);
-        QCOMPARE(ann.games.commandLines.size(), 1);
 
         // Detection finds the games within a tick of ten seconds and watches their folders.
         QTRY_VERIFY_WITH_TIMEOUT(ann.app.session().inGame && bob.app.session().inGame, 25000);
         QTRY_VERIFY_WITH_TIMEOUT(showsRound(ann.page(server)) && showsRound(bob.page(server)),
                                  30000);
-
-        // Once the games are over and nothing more is uploaded, ann resets.
-        ann.games.endAll();
-        bob.games.endAll();
-        QTRY_VERIFY_WITH_TIMEOUT(!ann.app.session().inGame && !bob.app.session().inGame, 25000);
-        QTest::qWait(1000);
-        ann.dialogs.answers = {Dialogs::Answer::Yes};
-        ann.app.form().picResetStats->click();
-        QTRY_VERIFY(ann.page(server).contains("No rounds yet."));
-        QVERIFY(showsRound(bob.page(server)));
     }
 };
 
