@@ -2,9 +2,6 @@
 
 #include "protocol/wiremessage.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-
 Rows fieldsOf(const QList<Message> &messages)
 {
     Rows out;
@@ -167,12 +164,5 @@ bool TestLobby::sync(TestClient *via)
 
 WebReply TestLobby::fetch(const QString &pathAndQuery)
 {
-    QNetworkAccessManager network;
-    QNetworkRequest request(
-        QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(web.serverPort()).arg(pathAndQuery)));
-    std::unique_ptr<QNetworkReply> reply(network.get(request));
-    waitUntil([&] { return reply->isFinished(); }, 10000);
-    return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
-            reply->header(QNetworkRequest::ContentTypeHeader).toByteArray(),
-            QString::fromUtf8(reply->readAll())};
+    return webGet(QStringLiteral("http://127.0.0.1:%1%2").arg(web.serverPort()).arg(pathAndQuery));
 }

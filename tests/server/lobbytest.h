@@ -113,14 +113,6 @@ private:
     bool m_malformed = false;
 };
 
-// An answer of the lobby's web pages.
-struct WebReply
-{
-    int status = 0; // 0: no answer
-    QByteArray contentType;
-    QString body;
-};
-
 // A lobby server in the test process on an ephemeral loopback port, over a fresh database in a
 // temporary folder, hashing passwords at the least cost unless told otherwise, with its statistics
 // and web pages on another port. Its clock for the rate limits stands still until advanced.

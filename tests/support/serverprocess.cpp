@@ -60,13 +60,21 @@ ServerProcess::Result ServerProcess::run(const QString &program, const QStringLi
     return result;
 }
 
-QString ServerProcess::webPage(const QString &pathAndQuery) const
+WebReply webGet(const QString &url)
 {
     QNetworkAccessManager network;
-    const QUrl url(QStringLiteral("http://127.0.0.1:%1%2").arg(m_webPort).arg(pathAndQuery));
-    const std::unique_ptr<QNetworkReply> reply(network.get(QNetworkRequest(url)));
+    const std::unique_ptr<QNetworkReply> reply(network.get(QNetworkRequest(QUrl(url))));
     waitUntil([&] { return reply->isFinished(); }, 10000);
-    return reply->isFinished() && reply->error() == QNetworkReply::NoError
-               ? QString::fromUtf8(reply->readAll())
-               : QString();
+    if (!reply->isFinished())
+        return {};
+    return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
+            reply->header(QNetworkRequest::ContentTypeHeader).toByteArray(),
+            QString::fromUtf8(reply->readAll())};
+}
+
+QString ServerProcess::webPage(const QString &pathAndQuery) const
+{
+    const WebReply reply =
+        webGet(QStringLiteral("http://127.0.0.1:%1%2").arg(m_webPort).arg(pathAndQuery));
+    return reply.status == 200 ? reply.body : QString();
 }

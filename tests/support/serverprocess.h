@@ -10,6 +10,16 @@ inline const QString kClient = QStringLiteral(QUORVEL_BINARY_DIR "/src/client/qu
 // The same client with a higher version ("V 6.1").
 inline const QString kNewerClient = QStringLiteral(QUORVEL_BINARY_DIR "/tests/quorvel_next");
 
+// An answer of a web server.
+struct WebReply
+{
+    int status = 0; // 0: no answer within 10 s
+    QByteArray contentType;
+    QString body;
+};
+// GET `url`, waiting up to 10 s.
+WebReply webGet(const QString &url);
+
 // A server program in a child process that names its port at the end of its first line of
 // output ("lobby listening on 127.0.0.1:PORT", "status 127.0.0.1 PORT"). Killed when it goes.
 // A lobby server is started with a free web port unless the arguments name one.

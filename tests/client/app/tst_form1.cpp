@@ -91,8 +91,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("sizes");
         QTest::newRow("normal") << QStringList{"800x600"};
         QTest::newRow("larger") << QStringList{"1200x900"};
-        QTest::newRow("smallest") << QStringList{"600x450"};
-        QTest::newRow("below the smallest") << QStringList{"300x200"};
+        QTest::newRow("below the smallest: the smallest") << QStringList{"300x200"};
         QTest::newRow("larger and back") << QStringList{"1200x900", "700x500", "800x600"};
     }
     void resizes()

@@ -185,14 +185,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("asked"); // empty: refused
-        QTest::newRow("as shown") << "lobby.example:20000"
-                                  << "lobby.example:20000";
-        QTest::newRow("no port: the lobby port") << " 10.0.0.7 "
-                                                 << "10.0.0.7:20000";
-        QTest::newRow("bad port") << "lobby.example:99999"
-                                  << "";
-        QTest::newRow("empty") << ""
-                               << "";
+        const auto add = [](const char *name, QString typed, QString asked) {
+            QTest::newRow(name) << typed << asked;
+        };
+        add("as shown", "lobby.example:20000", "lobby.example:20000");
+        add("no port: the lobby port", " 10.0.0.7 ", "10.0.0.7:20000");
+        add("refused (the parser's cases are the address tests')", "lobby.example:99999", "");
     }
     void loginWindowRoundTripsUserFile()
     {

@@ -167,32 +167,26 @@ private Q_SLOTS:
         QTest::addColumn<QString>("word");
         QTest::addColumn<QString>("opens"); // the address as drawn; empty: nothing opens
 
+        const auto row = [](const char *name, const QString &text, int start, const QString &word,
+                            const QString &opens) {
+            QTest::newRow(name) << text << start << word << opens;
+        };
         const QString line = "\u2029" + QStringLiteral("12:00:00  Bob  >   go to www.a.com now ");
         const int www = int(line.indexOf(QLatin1String("www")));
-        QTest::newRow("inside an address") << line << www + 4 << "www.a.com"
-                                           << "www.a.com";
-        QTest::newRow("on the space before it") << line << www - 1 << "www.a.com"
-                                                << "www.a.com";
-        QTest::newRow("markers are case-sensitive") << "x HTTP://A.COM y" << 4 << "HTTP://A.COM"
-                                                    << "";
-        QTest::newRow("marker inside a word opens the whole word")
-            << "x visitwww.a.com y" << 3 << "visitwww.a.com"
-            << "visitwww.a.com";
-        QTest::newRow("brackets belong to the word, not to the address")
-            << "x (www.test.org) y" << 5 << "(www.test.org)"
-            << "www.test.org";
-        QTest::newRow("a sentence's comma neither")
-            << "x https://a.org/x, y" << 5 << "https://a.org/x,"
-            << "https://a.org/x";
-        QTest::newRow("line breaks do not end a word")
-            << "x www.a.com\u2029" + QStringLiteral("12:00 y") << 3
-            << "www.a.com\u2029" + QStringLiteral("12:00") << "www.a.com";
-        QTest::newRow("no space before: the first characters up to the start")
-            << "www.a.com" << 2 << "www"
-            << "";
-        QTest::newRow("past the end: the text's first word")
-            << "http://a.com b" << 14 << "http://a.com"
-            << "http://a.com";
+        row("inside an address", line, www + 4, "www.a.com", "www.a.com");
+        row("on the space before it", line, www - 1, "www.a.com", "www.a.com");
+        row("markers are case-sensitive", "x HTTP://A.COM y", 4, "HTTP://A.COM", "");
+        row("marker inside a word opens the whole word", "x visitwww.a.com y", 3, "visitwww.a.com",
+            "visitwww.a.com");
+        row("brackets belong to the word, not to the address", "x (www.test.org) y", 5,
+            "(www.test.org)", "www.test.org");
+        row("a sentence's comma neither", "x https://a.org/x, y", 5, "https://a.org/x,",
+            "https://a.org/x");
+        row("line breaks do not end a word", "x www.a.com\u2029" + QStringLiteral("12:00 y"), 3,
+            "www.a.com\u2029" + QStringLiteral("12:00"), "www.a.com");
+        row("no space before: the first characters up to the start", "www.a.com", 2, "www", "");
+        row("past the end: the text's first word", "http://a.com b", 14, "http://a.com",
+            "http://a.com");
     }
     void wordRule()
     {
@@ -209,12 +203,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("named"); // empty: not marked
-        QTest::newRow("1252 letters and signs") << "G\u00f6ran \u20ac \u00e6 ?"
-                                                << "";
-        QTest::newRow("Han, twice") << "a\u6f22b\u6f22"
-                                    << "\u6f22";
-        QTest::newRow("beyond the first plane") << "ok \U0001F600 \u0416"
-                                                << "\U0001F600\u0416";
+        QTest::newRow("1252 letters and signs") << "G\u00f6ran \u20ac \u00e6 ?" << QString();
+        QTest::newRow("Han, twice") << "a\u6f22b\u6f22" << QString("\u6f22");
+        QTest::newRow("beyond the first plane")
+            << "ok \U0001F600 \u0416" << QString("\U0001F600\u0416");
     }
     void uncarriedCharactersMarked()
     {
