@@ -156,6 +156,21 @@ private Q_SLOTS:
         QVERIFY(pageOf(lobby, annaId).contains("Not online."));
     }
 
+    // The same round again within a minute is its log reported twice; later it was played again.
+    void aRoundPlayedAgainCountsAgain()
+    {
+        TestLobby lobby;
+        lobby.addAccount("Anna");
+        const int annaId = lobby.idOf("Anna");
+        const StatsUpload upload = round(1, {player("Anna")});
+        const QDateTime start = QDateTime::currentDateTimeUtc();
+        using Added = server::StatsStore::Added;
+        QCOMPARE(lobby.stats.addRound(annaId, upload, start), Added::Counted);
+        QCOMPARE(lobby.stats.addRound(annaId, upload, start.addSecs(59)), Added::Duplicate);
+        QCOMPARE(lobby.stats.addRound(annaId, upload, start.addSecs(61)), Added::Counted);
+        QCOMPARE(roundsOf(lobby, annaId), 2);
+    }
+
     void playerTextIsEscapedOnEveryPage()
     {
         TestLobby lobby;
