@@ -71,6 +71,10 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
 
 int main(int argc, char *argv[])
 {
+    // GLib's event loop looks up socket notifiers in a list, so with thousands of sessions
+    // every write that starts or ends waiting for the socket costs a scan of them all; Qt's
+    // own loop keeps them in a hash.
+    qputenv("QT_NO_GLIB", "1");
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quorvel-server"));
     // A client that vanishes mid-write must not end the server.
