@@ -6,7 +6,14 @@
 #   bench/chat_peers.sh [build dir]
 # Environment: PEERS_DIR (where chatload.py and ngircd.conf live), K (1000), S (80), R (20),
 # T (15).
+#
+# The load client's allocator is fixed for both runs. Python reads each socket into a fresh
+# 256 KiB buffer; glibc serves that from mmap until its adaptive threshold happens to rise, and
+# whether it rises depends on the client's history, not on the server under test. Left adaptive,
+# one run paid an mmap, a page fault, an mremap and a munmap per received line and the other
+# did not, which doubled the client's time per line and decided the comparison.
 set -euo pipefail
+client_env=(env GLIBC_TUNABLES=glibc.malloc.mmap_threshold=4194304)
 cd "$(dirname "$0")/.."
 
 build=${1:-build}
@@ -32,7 +39,7 @@ sed "s/^Ports = .*/Ports = $irc_port/" "$peers/ngircd.conf" >"$work/ngircd.conf"
 ngircd -n -f "$work/ngircd.conf" >"$work/ngircd.log" 2>&1 &
 pids+=($!)
 sleep 1
-echo "ngircd:         $(python3 "$peers/chatload.py" irc --port "$irc_port" --pid "${pids[0]}" "${load[@]}")"
+echo "ngircd:         $("${client_env[@]}" python3 "$peers/chatload.py" irc --port "$irc_port" --pid "${pids[0]}" "${load[@]}")"
 kill "${pids[0]}"
 
 lobby_port=$(free_port)
@@ -41,4 +48,4 @@ lobby_port=$(free_port)
     --log-level warning >"$work/lobby.log" 2>&1 &
 pids+=($!)
 for _ in $(seq 100); do grep -q 'lobby listening' "$work/lobby.log" && break; sleep 0.1; done
-echo "quorvel-server: $(python3 "$peers/chatload.py" lobby --port "$lobby_port" --pid "${pids[1]}" "${load[@]}")"
+echo "quorvel-server: $("${client_env[@]}" python3 "$peers/chatload.py" lobby --port "$lobby_port" --pid "${pids[1]}" "${load[@]}")"
