@@ -40,9 +40,12 @@ std::optional<HostPort> HostPort::parse(const QString &text, quint16 defaultPort
 
 QString HostPort::toString() const
 {
-    const QString shownHost =
-        host.contains(QLatin1Char(':')) ? QLatin1Char('[') + host + QLatin1Char(']') : host;
-    return QStringLiteral("%1:%2").arg(shownHost).arg(port);
+    return QStringLiteral("%1:%2").arg(bracketedHost()).arg(port);
+}
+
+QString HostPort::bracketedHost() const
+{
+    return host.contains(QLatin1Char(':')) ? QLatin1Char('[') + host + QLatin1Char(']') : host;
 }
 
 static QString settingsPath(const QString &dataFolder)

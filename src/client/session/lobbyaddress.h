@@ -16,6 +16,8 @@ struct HostPort
     static std::optional<HostPort> parse(const QString &text, quint16 defaultPort);
     // The form `parse` reads back.
     QString toString() const;
+    // The host as it stands in an address with a port or in a URL: an IPv6 address in brackets.
+    QString bracketedHost() const;
 };
 
 // The lobby, web and avatar addresses kept in "servers.ini" in the data folder.

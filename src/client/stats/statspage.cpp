@@ -1,14 +1,14 @@
 #include "client/stats/statspage.h"
 
+#include "client/session/lobbyaddress.h"
 #include "client/session/sessionstate.h"
 
 namespace client {
 
 QString statsPageAddress(const SessionState &session, const QString &id)
 {
-    const QString host = session.webPort == 80
-                             ? session.webHost
-                             : QStringLiteral("%1:%2").arg(session.webHost).arg(session.webPort);
+    const HostPort web{session.webHost, session.webPort};
+    const QString host = web.port == 80 ? web.bracketedHost() : web.toString();
     return QStringLiteral("http://") + host + QStringLiteral("?p=stats&id=") + id;
 }
 

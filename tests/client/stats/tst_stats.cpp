@@ -311,17 +311,21 @@ private Q_SLOTS:
     // `picViewStats` after the login gave the id, a player's from the pager.
     void statsPagesOpenTheWebHost_data()
     {
+        QTest::addColumn<QString>("webHost");
         QTest::addColumn<quint16>("port");
         QTest::addColumn<QString>("host");
-        QTest::newRow("port 80") << quint16(80) << "lobby.example";
-        QTest::newRow("port 8080") << quint16(8080) << "lobby.example:8080";
+        QTest::newRow("port 80") << "lobby.example" << quint16(80) << "lobby.example";
+        QTest::newRow("port 8080") << "lobby.example" << quint16(8080) << "lobby.example:8080";
+        QTest::newRow("IPv6, port 80") << "2001:db8::1" << quint16(80) << "[2001:db8::1]";
+        QTest::newRow("IPv6, port 8080") << "2001:db8::1" << quint16(8080) << "[2001:db8::1]:8080";
     }
     void statsPagesOpenTheWebHost()
     {
+        QFETCH(QString, webHost);
         QFETCH(quint16, port);
         QFETCH(QString, host);
         Rig r;
-        r.h.app.session().webHost = "lobby.example";
+        r.h.app.session().webHost = webHost;
         r.h.app.session().webPort = port;
         m_opened.clear();
         r.h.app.form().picViewStats->setTag("42");
