@@ -239,4 +239,11 @@ bool Database::migrate()
     return true;
 }
 
+bool Database::isBusy(const QSqlError &error)
+{
+    bool isNumber = false;
+    const int code = error.nativeErrorCode().toInt(&isNumber) & 0xFF; // extended codes too
+    return isNumber && (code == 5 /* SQLITE_BUSY */ || code == 6 /* SQLITE_LOCKED */);
+}
+
 } // namespace server

@@ -5,6 +5,10 @@
 
 namespace server {
 
+// How a write ended: stored; refused for now because another process holds the file's lock,
+// worth another try; or failed for good (logged).
+enum class WriteOutcome { Written, Busy, Failed };
+
 // The lobby's SQLite file, opened in WAL mode with synchronous=NORMAL: a commit is written to
 // the log before it returns, so it survives the process being killed at any moment; only a
 // crash of the whole machine can lose the commits since the last checkpoint. Full syncs would
@@ -31,6 +35,9 @@ public:
     QSqlDatabase handle() const { return QSqlDatabase::database(m_connectionName, false); }
 
     static constexpr int kSchemaVersion = 2;
+
+    // Whether `error` is SQLite's "database is locked" or "table is locked".
+    static bool isBusy(const QSqlError &error);
 
 private:
     bool exec(const QString &statement);

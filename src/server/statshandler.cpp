@@ -21,6 +21,7 @@ QString uploadText(const Message &message)
 {
     return message.fields.join(QChar(kSeparator)).replace(QChar(kSeparator), QStringLiteral(" | "));
 }
+
 } // namespace
 
 StatsHandler::StatsHandler(StatsStore &store, AccountLimits &limits)
@@ -69,16 +70,25 @@ void StatsHandler::registerWith(MessageRouter &router)
         if (const QString *reason = std::get_if<QString>(&checked)) {
             qCInfo(lcLobby).noquote()
                 << sessionTag(sender) << "statistics upload rejected:" << *reason;
-            m_store.addRejected(accountId, *reason, uploadText(message), now);
+            m_writes.submit([this, accountId, reason = *reason, upload = uploadText(message), now] {
+                return m_store.addRejected(accountId, reason, upload, now);
+            });
             return;
         }
-        m_store.addRound(accountId, std::get<StatsUpload>(checked), now);
+        m_writes.submit([this, accountId, upload = std::get<StatsUpload>(std::move(checked)), now] {
+            return m_store.addRound(accountId, upload, now) == StatsStore::Added::Busy
+                       ? WriteOutcome::Busy
+                       : WriteOutcome::Written;
+        });
     });
 
     router.on<StatsReset>([this](Session &sender, const StatsReset &) {
         const int accountId = sender.player().accountId;
-        if (m_limits.tryAcquire(accountId, kResets, AccountLimits::kStatsResets))
-            m_store.reset(accountId, QDateTime::currentDateTimeUtc());
+        if (!m_limits.tryAcquire(accountId, kResets, AccountLimits::kStatsResets))
+            return;
+        m_writes.submit([this, accountId, at = QDateTime::currentDateTimeUtc()] {
+            return m_store.reset(accountId, at);
+        });
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "protocol/message.h"
 #include "protocol/stats.h"
+#include "server/writequeue.h"
 
 #include <QString>
 #include <variant>
@@ -14,7 +15,8 @@ class StatsStore;
 
 // The statistics traffic of logged-in players: "DS" stores one round for its sender (or,
 // malformed, keeps it as a rejected upload) and "RS" restarts the sender's figures. Both are
-// rate-limited per account; what goes beyond the limit is dropped unstored.
+// rate-limited per account; what goes beyond the limit is dropped unstored. While another
+// process holds the database's lock, the writes wait in order and are tried again.
 class StatsHandler
 {
 public:
@@ -30,6 +32,7 @@ public:
 private:
     StatsStore &m_store;
     AccountLimits &m_limits;
+    WriteQueue m_writes{QStringLiteral("statistics")};
 };
 
 } // namespace server

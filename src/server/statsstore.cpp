@@ -38,30 +38,34 @@ QString notNull(const QString &text)
     return text.isNull() ? QStringLiteral("") : text; // a null QString binds as SQL NULL
 }
 
-// Runs `steps` in one transaction; false (logged as `what`) when any step or the commit fails.
-template <typename Steps> bool inTransaction(Database &database, const char *what, Steps steps)
+// Runs `steps` in one transaction. Busy when another process holds the lock (nothing is
+// written and the caller may try again); Failed, logged as `what`, when a step or the commit
+// fails otherwise.
+template <typename Steps>
+WriteOutcome inTransaction(Database &database, const char *what, Steps steps)
 {
     QSqlDatabase db = database.handle();
+    QSqlError error;
     if (!db.transaction()) {
-        qCWarning(lcStore).noquote() << what << "not stored:" << db.lastError().text();
-        return false;
-    }
-    QString error;
-    if (!steps(error) || !db.commit()) {
-        if (error.isEmpty())
-            error = db.lastError().text();
+        error = db.lastError();
+    } else if (!steps(error) || !db.commit()) {
+        if (!error.isValid())
+            error = db.lastError();
         db.rollback();
-        qCWarning(lcStore).noquote() << what << "not stored:" << error;
-        return false;
+    } else {
+        return WriteOutcome::Written;
     }
-    return true;
+    if (Database::isBusy(error))
+        return WriteOutcome::Busy;
+    qCWarning(lcStore).noquote() << what << "not stored:" << error.text();
+    return WriteOutcome::Failed;
 }
 
-bool run(QSqlQuery &query, QString &error)
+bool run(QSqlQuery &query, QSqlError &error)
 {
     if (query.exec())
         return true;
-    error = query.lastError().text();
+    error = query.lastError();
     return false;
 }
 
@@ -85,75 +89,85 @@ StatsStore::Added StatsStore::addRound(int uploaderId, const protocol::StatsUplo
     if (counted)
         own = upload.records[upload.ownIndex - 1];
     Added added = counted ? Added::Counted : Added::Uncounted;
-    const bool ok = inTransaction(m_database, "statistics upload", [&](QString &error) {
-        // A log is uploaded only while it is seconds old, so the same content again within a
-        // minute is that log reported twice; later, it is another round that went the same way.
-        QSqlQuery earlier(m_database.handle());
-        earlier.prepare(QStringLiteral("SELECT 1 FROM stats_uploads WHERE uploader_id = ? AND "
-                                       "round_key = ? AND received > ? LIMIT 1"));
-        earlier.addBindValue(uploaderId);
-        earlier.addBindValue(roundKey(upload));
-        earlier.addBindValue(timeText(received.addSecs(-kRepeatWindowSeconds)));
-        if (!run(earlier, error))
-            return false;
-        if (earlier.next()) {
-            added = Added::Duplicate;
-            return true;
-        }
-        QSqlQuery round(m_database.handle());
-        round.prepare(QStringLiteral(
-            "INSERT INTO stats_uploads (uploader_id, received, round_key, own_index, "
-            "game_type, header_a, header_b, own_p1, own_p2, own_p3) "
-            "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
-        round.addBindValue(uploaderId);
-        round.addBindValue(timeText(received));
-        round.addBindValue(roundKey(upload));
-        round.addBindValue(upload.ownIndex);
-        round.addBindValue(notNull(upload.gameType));
-        round.addBindValue(notNull(upload.headerA));
-        round.addBindValue(notNull(upload.headerB));
-        round.addBindValue(number(own.p1).value_or(0));
-        round.addBindValue(number(own.p2).value_or(0));
-        round.addBindValue(number(own.p3).value_or(0));
-        if (!run(round, error))
-            return false;
-        const qint64 id = round.lastInsertId().toLongLong();
-
-        QSqlQuery record(m_database.handle());
-        record.prepare(QStringLiteral("INSERT INTO stats_records (upload_id, position, p1, name, "
-                                      "p2, p3, p4, p5, p6, p8, p7) "
-                                      "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
-        for (qsizetype i = 0; i < upload.records.size(); ++i) {
-            const protocol::StatsRecord &r = upload.records[i];
-            record.bindValue(0, id);
-            record.bindValue(1, i + 1);
-            int column = 2;
-            for (const QString *field :
-                 {&r.p1, &r.playerName, &r.p2, &r.p3, &r.p4, &r.p5, &r.p6, &r.p8, &r.p7})
-                record.bindValue(column++, notNull(*field));
-            if (!run(record, error))
+    const WriteOutcome outcome =
+        inTransaction(m_database, "statistics upload", [&](QSqlError &error) {
+            // A log is uploaded only while it is seconds old, so the same content again within a
+            // minute is that log reported twice; later, it is another round that went the same way.
+            QSqlQuery earlier(m_database.handle());
+            earlier.prepare(QStringLiteral("SELECT 1 FROM stats_uploads WHERE uploader_id = ? AND "
+                                           "round_key = ? AND received > ? LIMIT 1"));
+            earlier.addBindValue(uploaderId);
+            earlier.addBindValue(roundKey(upload));
+            earlier.addBindValue(timeText(received.addSecs(-kRepeatWindowSeconds)));
+            if (!run(earlier, error))
                 return false;
-        }
-        if (!counted)
-            return true;
-        QSqlQuery totals(m_database.handle());
-        totals.prepare(QStringLiteral(
-            "INSERT INTO stats_totals (account_id, rounds, p1, p2, p3) VALUES (?, 1, ?, ?, ?) "
-            "ON CONFLICT (account_id) DO UPDATE SET rounds = rounds + 1, "
-            "p1 = p1 + excluded.p1, p2 = p2 + excluded.p2, p3 = p3 + excluded.p3"));
-        totals.addBindValue(uploaderId);
-        totals.addBindValue(number(own.p1).value_or(0));
-        totals.addBindValue(number(own.p2).value_or(0));
-        totals.addBindValue(number(own.p3).value_or(0));
-        return run(totals, error);
-    });
-    return ok ? added : Added::Failed;
+            if (earlier.next()) {
+                added = Added::Duplicate;
+                return true;
+            }
+            QSqlQuery round(m_database.handle());
+            round.prepare(QStringLiteral(
+                "INSERT INTO stats_uploads (uploader_id, received, round_key, own_index, "
+                "game_type, header_a, header_b, own_p1, own_p2, own_p3) "
+                "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+            round.addBindValue(uploaderId);
+            round.addBindValue(timeText(received));
+            round.addBindValue(roundKey(upload));
+            round.addBindValue(upload.ownIndex);
+            round.addBindValue(notNull(upload.gameType));
+            round.addBindValue(notNull(upload.headerA));
+            round.addBindValue(notNull(upload.headerB));
+            round.addBindValue(number(own.p1).value_or(0));
+            round.addBindValue(number(own.p2).value_or(0));
+            round.addBindValue(number(own.p3).value_or(0));
+            if (!run(round, error))
+                return false;
+            const qint64 id = round.lastInsertId().toLongLong();
+
+            QSqlQuery record(m_database.handle());
+            record.prepare(
+                QStringLiteral("INSERT INTO stats_records (upload_id, position, p1, name, "
+                               "p2, p3, p4, p5, p6, p8, p7) "
+                               "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+            for (qsizetype i = 0; i < upload.records.size(); ++i) {
+                const protocol::StatsRecord &r = upload.records[i];
+                record.bindValue(0, id);
+                record.bindValue(1, i + 1);
+                int column = 2;
+                for (const QString *field :
+                     {&r.p1, &r.playerName, &r.p2, &r.p3, &r.p4, &r.p5, &r.p6, &r.p8, &r.p7})
+                    record.bindValue(column++, notNull(*field));
+                if (!run(record, error))
+                    return false;
+            }
+            if (!counted)
+                return true;
+            QSqlQuery totals(m_database.handle());
+            totals.prepare(QStringLiteral(
+                "INSERT INTO stats_totals (account_id, rounds, p1, p2, p3) VALUES (?, 1, ?, ?, ?) "
+                "ON CONFLICT (account_id) DO UPDATE SET rounds = rounds + 1, "
+                "p1 = p1 + excluded.p1, p2 = p2 + excluded.p2, p3 = p3 + excluded.p3"));
+            totals.addBindValue(uploaderId);
+            totals.addBindValue(number(own.p1).value_or(0));
+            totals.addBindValue(number(own.p2).value_or(0));
+            totals.addBindValue(number(own.p3).value_or(0));
+            return run(totals, error);
+        });
+    switch (outcome) {
+    case WriteOutcome::Written:
+        return added;
+    case WriteOutcome::Busy:
+        return Added::Busy;
+    case WriteOutcome::Failed:
+        break;
+    }
+    return Added::Failed;
 }
 
-bool StatsStore::addRejected(int senderId, const QString &reason, const QString &upload,
-                             const QDateTime &received)
+WriteOutcome StatsStore::addRejected(int senderId, const QString &reason, const QString &upload,
+                                     const QDateTime &received)
 {
-    return inTransaction(m_database, "rejected statistics upload", [&](QString &error) {
+    return inTransaction(m_database, "rejected statistics upload", [&](QSqlError &error) {
         QSqlQuery insert(m_database.handle());
         insert.prepare(QStringLiteral("INSERT INTO stats_rejected (sender_id, received, reason, "
                                       "upload) VALUES (?, ?, ?, ?)"));
@@ -172,9 +186,9 @@ bool StatsStore::addRejected(int senderId, const QString &reason, const QString 
     });
 }
 
-bool StatsStore::reset(int accountId, const QDateTime &at)
+WriteOutcome StatsStore::reset(int accountId, const QDateTime &at)
 {
-    return inTransaction(m_database, "statistics reset", [&](QString &error) {
+    return inTransaction(m_database, "statistics reset", [&](QSqlError &error) {
         QSqlQuery mark(m_database.handle());
         mark.prepare(QStringLiteral("INSERT INTO stats_resets (account_id, at, last_upload_id) "
                                     "VALUES (?, ?, (SELECT COALESCE(MAX(id), 0) FROM "

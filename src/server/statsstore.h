@@ -1,6 +1,7 @@
 #pragma once
 
 #include "protocol/stats.h"
+#include "server/database.h"
 
 #include <QDateTime>
 #include <QList>
@@ -8,8 +9,6 @@
 #include <optional>
 
 namespace server {
-
-class Database;
 
 // A stored round as the pages show it.
 struct StoredRound
@@ -54,13 +53,13 @@ struct RejectedUpload
 // The statistics of the lobby: the rounds players uploaded, the restarts of their figures,
 // and the uploads refused as malformed. A round counts for its uploader only, and only
 // through his own record; the same round from the same uploader within kRepeatWindowSeconds is
-// kept once. A reset keeps
-// every upload and only moves the point from which the figures count. Every write is one
-// committed transaction.
+// kept once. A reset keeps every upload and only moves the point from which the figures
+// count. Every write is one committed transaction.
 class StatsStore
 {
 public:
-    enum class Added { Counted, Uncounted, Duplicate, Failed };
+    // Busy: another process holds the database's lock; nothing was written.
+    enum class Added { Counted, Uncounted, Duplicate, Busy, Failed };
 
     static constexpr int kRepeatWindowSeconds = 60;
     static constexpr int kRejectedKeptPerSender = 100;
@@ -71,9 +70,9 @@ public:
     // `upload` must be checked (StatsHandler): own index 0..records, numbers where numbers
     // belong. Uncounted: stored, but the uploader named no record of his.
     Added addRound(int uploaderId, const protocol::StatsUpload &upload, const QDateTime &received);
-    bool addRejected(int senderId, const QString &reason, const QString &upload,
-                     const QDateTime &received);
-    bool reset(int accountId, const QDateTime &at);
+    WriteOutcome addRejected(int senderId, const QString &reason, const QString &upload,
+                             const QDateTime &received);
+    WriteOutcome reset(int accountId, const QDateTime &at);
 
     // When the account's figures last restarted; nullopt when they never did.
     std::optional<QDateTime> lastReset(int accountId) const;

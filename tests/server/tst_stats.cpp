@@ -171,6 +171,54 @@ private Q_SLOTS:
         QCOMPARE(roundsOf(lobby, annaId), 2);
     }
 
+    void writesWaitOutALockedDatabase_data()
+    {
+        QTest::addColumn<QList<Code>>("sent");
+        QTest::addColumn<int>("rounds");   // Anna's counted rounds once the lock is gone
+        QTest::addColumn<int>("rejected"); // uploads kept as malformed
+        QTest::newRow("round") << QList{Code::StatsUpload} << 1 << 0;
+        QTest::newRow("round, then reset") << QList{Code::StatsUpload, Code::StatsReset} << 0 << 0;
+        QTest::newRow("malformed upload") << QList{Code::KeepAlive} << 0 << 1;
+    }
+
+    // Another process (an admin command, a backup) holds the write lock: nothing is lost, and
+    // the writes land in the order they came once it lets go.
+    void writesWaitOutALockedDatabase()
+    {
+        QFETCH(QList<Code>, sent);
+        QFETCH(int, rounds);
+        QFETCH(int, rejected);
+        TestLobby lobby;
+        QVERIFY(QSqlQuery(lobby.database.handle()).exec("PRAGMA busy_timeout = 20"));
+        TestClient *anna = lobby.loggedIn("Anna");
+        const int annaId = lobby.idOf("Anna");
+        const QString holder = QStringLiteral("holder");
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", holder);
+            other.setDatabaseName(lobby.database.handle().databaseName());
+            QVERIFY(other.open() && QSqlQuery(other).exec("BEGIN IMMEDIATE"));
+            for (const Code code : sent) {
+                if (code == Code::StatsUpload)
+                    anna->sendRaw(round(1, {player("Anna")}).encode());
+                else if (code == Code::StatsReset)
+                    anna->send(Code::StatsReset);
+                else
+                    anna->send(Code::StatsUpload, uploadFields("1", "Survival", 0) << "x");
+            }
+            QVERIFY(lobby.sync(anna));
+            QCOMPARE(lobby.stats.rejected().size() + roundsOf(lobby, annaId), 0);
+            QVERIFY(QSqlQuery(other).exec("COMMIT"));
+        }
+        QSqlDatabase::removeDatabase(holder);
+        QSqlQuery uploads(lobby.database.handle());
+        QVERIFY(waitUntil([&] {
+            return uploads.exec("SELECT COUNT(*) FROM stats_uploads") && uploads.next() &&
+                   uploads.value(0).toInt() + lobby.stats.rejected().size() == 1;
+        }));
+        QVERIFY(waitUntil([&] { return roundsOf(lobby, annaId) == rounds; }));
+        QCOMPARE(lobby.stats.rejected().size(), rejected);
+    }
+
     void playerTextIsEscapedOnEveryPage()
     {
         TestLobby lobby;
