@@ -46,7 +46,8 @@ void Connection::setSilenceLimit(int ms)
 
 void Connection::send(const QByteArray &bytes)
 {
-    if (m_closing)
+    // A peer that has just gone is closed before finish() runs from the event loop.
+    if (m_closing || !m_socket->isOpen())
         return;
     if (m_socket->bytesToWrite() + bytes.size() > kMaxUnsent) {
         // A client that does not read would otherwise hold any amount of the server's memory.

@@ -16,6 +16,9 @@ struct LobbyConfig
     // Password checks waiting at once; more are refused. Per address they are bounded by the
     // connections, each of which has at most one login open.
     int maxQueuedLogins = 4096;
+    // A player's presence reaches the others at most about once per this; changes in between
+    // are sent together as the latest.
+    int presenceSpacingMs = 1000;
 };
 
 } // namespace server

@@ -16,10 +16,11 @@ LobbyServer::LobbyServer(const LobbyConfig &config, AccountStore &accounts, Budd
                          DiagnosticStore &diagnostics, PasswordWorker &passwords,
                          const Clock &clock, QObject *parent)
     : QObject(parent), m_config(config), m_buddies(buddies), m_throttle(clock), m_limits(clock),
+      m_presenceBroadcaster(m_lobby, m_config.presenceSpacingMs),
       m_login(m_config, m_lobby, m_rooms, accounts, buddies, passwords, m_throttle,
               [this](Session &session) { endSession(session); }),
-      m_presence(m_lobby, accounts, buddies, m_limits), m_chat(m_lobby, diagnostics, m_limits),
-      m_roomHandler(m_lobby, m_rooms, m_limits)
+      m_presence(m_presenceBroadcaster, accounts, buddies, m_limits),
+      m_chat(m_lobby, diagnostics, m_limits), m_roomHandler(m_lobby, m_rooms, m_limits)
 {
     m_presence.registerWith(m_router);
     m_chat.registerWith(m_router);
@@ -129,6 +130,7 @@ void LobbyServer::endSession(Session &session)
     qCDebug(lcLobby).noquote() << sessionTag(session) << "ended";
     if (wasLoggedIn) {
         m_lobby.remove(&session);
+        m_presenceBroadcaster.forget(session);
         m_roomHandler.leaveOnDeparture(session);
         m_lobby.broadcast(protocol::RemovePlayer{session.player().name}.encode());
     }

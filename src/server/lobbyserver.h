@@ -7,6 +7,7 @@
 #include "server/loginhandler.h"
 #include "server/loginthrottle.h"
 #include "server/messagerouter.h"
+#include "server/presencebroadcaster.h"
 #include "server/presencehandler.h"
 #include "server/roomhandler.h"
 #include "server/roomregistry.h"
@@ -68,6 +69,7 @@ private:
     QHash<QString, int> m_connectionsPerAddress;
     int m_connections = 0;
     MessageRouter m_router;
+    PresenceBroadcaster m_presenceBroadcaster;
     LoginHandler m_login;
     PresenceHandler m_presence;
     ChatHandler m_chat;

@@ -6,8 +6,8 @@
 #include "server/announcements.h"
 #include "server/buddystore.h"
 #include "server/connection.h"
-#include "server/lobby.h"
 #include "server/messagerouter.h"
+#include "server/presencebroadcaster.h"
 #include "server/session.h"
 
 #include <climits>
@@ -26,9 +26,9 @@ const QString kPresence = QStringLiteral("presence");
 const QString kBuddies = QStringLiteral("buddies");
 } // namespace
 
-PresenceHandler::PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStore &buddies,
-                                 AccountLimits &limits)
-    : m_lobby(lobby), m_accounts(accounts), m_buddies(buddies), m_limits(limits)
+PresenceHandler::PresenceHandler(PresenceBroadcaster &broadcaster, AccountStore &accounts,
+                                 BuddyStore &buddies, AccountLimits &limits)
+    : m_broadcaster(broadcaster), m_accounts(accounts), m_buddies(buddies), m_limits(limits)
 {
 }
 
@@ -45,9 +45,7 @@ void PresenceHandler::registerWith(MessageRouter &router)
                 address = sender.connection().peerAddress();
             player.presence = status.presence;
             player.gameAddress = address;
-            m_lobby.broadcast(protocol::PlayerStatusToClient{
-                .name = player.name, .presence = status.presence, .gameAddress = address}
-                                  .encode());
+            m_broadcaster.changed(sender);
         });
 
     router.on<protocol::BuddyAdd>([this](Session &sender, const protocol::BuddyAdd &add) {

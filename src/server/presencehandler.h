@@ -5,19 +5,19 @@ namespace server {
 class AccountLimits;
 class AccountStore;
 class BuddyStore;
-class Lobby;
 class MessageRouter;
+class PresenceBroadcaster;
 
 // Players' presence ("PS") and buddy lists ("BA", "BR").
 class PresenceHandler
 {
 public:
-    PresenceHandler(Lobby &lobby, AccountStore &accounts, BuddyStore &buddies,
+    PresenceHandler(PresenceBroadcaster &broadcaster, AccountStore &accounts, BuddyStore &buddies,
                     AccountLimits &limits);
     void registerWith(MessageRouter &router);
 
 private:
-    Lobby &m_lobby;
+    PresenceBroadcaster &m_broadcaster;
     AccountStore &m_accounts;
     BuddyStore &m_buddies;
     AccountLimits &m_limits;

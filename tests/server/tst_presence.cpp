@@ -3,6 +3,8 @@
 // sessions.
 #include "lobbytest.h"
 
+#include <QElapsedTimer>
+
 class TestPresence : public QObject
 {
     Q_OBJECT
@@ -37,6 +39,30 @@ private Q_SLOTS:
             QCOMPARE(fieldsOf(client->takeAll(Code::PlayerStatus)),
                      relayed.isEmpty() ? Rows() : Rows{relayed});
         QCOMPARE(lobby.loggedIn("Late")->fields(Code::AddPlayer).value(0).mid(2, 2), welcomed);
+    }
+
+    // A burst of changes reaches everyone as its first and, at the next tick, its latest; the
+    // tick after that has nothing to send, so the next change goes out at once again.
+    void burstsArriveAsFirstAndLatest()
+    {
+        server::LobbyConfig config;
+        config.presenceSpacingMs = 200;
+        TestLobby lobby(config);
+        auto [anna, bert] = lobby.loggedIn("Anna", "Bert");
+        for (const char *state : {"1", "2", "3"})
+            anna->send(Code::PlayerStatus, {state, "10.0.0.7"});
+        const Rows expected{{"Anna", "1", "10.0.0.7"}, {"Anna", "3", "10.0.0.7"}};
+        for (TestClient *client : {anna, bert})
+            QCOMPARE(client->fields(Code::PlayerStatus, 2), expected);
+        QVERIFY(lobby.sync(anna));
+        QVERIFY(bert->takeAll(Code::PlayerStatus).isEmpty());
+
+        QTest::qWait(2 * config.presenceSpacingMs);
+        QElapsedTimer sent;
+        sent.start();
+        anna->send(Code::PlayerStatus, {"2", "host"});
+        QCOMPARE(bert->fields(Code::PlayerStatus), Rows({{"Anna", "2", "127.0.0.1"}}));
+        QCOMPARE_LT(sent.elapsed(), config.presenceSpacingMs / 2);
     }
 
     void buddyFlagIsPerReceiverAndKept()
