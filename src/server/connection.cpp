@@ -2,6 +2,7 @@
 
 #include <QHostAddress>
 #include <QTcpSocket>
+#include <sys/socket.h>
 
 namespace server {
 
@@ -49,14 +50,27 @@ void Connection::send(const QByteArray &bytes)
     // A peer that has just gone is closed before finish() runs from the event loop.
     if (m_closing || !m_socket->isOpen())
         return;
-    if (m_socket->bytesToWrite() + bytes.size() > kMaxUnsent) {
+    const qint64 unsent = m_socket->bytesToWrite();
+    if (unsent + bytes.size() > kMaxUnsent) {
         // A client that does not read would otherwise hold any amount of the server's memory.
         m_closing = true;
         m_socket->abort();
         QMetaObject::invokeMethod(this, &Connection::finish, Qt::QueuedConnection);
         return;
     }
-    m_socket->write(bytes);
+    qsizetype sent = 0;
+    const qintptr descriptor = m_socket->socketDescriptor();
+    if (unsent == 0 && descriptor >= 0) {
+        // Straight to the kernel while nothing waits. Whatever passes through the socket's own
+        // buffer leaves a block of up to 32 KiB there for the socket's life (a welcome to a
+        // full lobby fills one), so only what the kernel cannot take yet goes that way.
+        const ssize_t written = ::send(int(descriptor), bytes.constData(), size_t(bytes.size()),
+                                       MSG_DONTWAIT | MSG_NOSIGNAL);
+        sent = written > 0 ? qsizetype(written) : 0;
+        if (sent == bytes.size())
+            return;
+    }
+    m_socket->write(bytes.constData() + sent, bytes.size() - sent);
     // Sent now rather than when the event loop next polls this socket: a broadcast to
     // thousands of sessions would otherwise trickle out one poll round per socket.
     m_socket->flush();
@@ -81,9 +95,11 @@ void Connection::readAvailable()
         return;
     if (m_silence.isActive())
         m_silence.start();
-    // Bounded reads: the limit on a pending message is checked before more is taken in.
+    // Bounded reads: the limit on a pending message is checked before more is taken in. A read
+    // of exactly what the socket holds takes over the socket's read block instead of copying
+    // it, so that no quiet connection keeps a block of its own.
     while (!m_closing && m_socket->bytesAvailable() > 0) {
-        m_buffer.append(m_socket->read(kReadChunk));
+        m_buffer.append(m_socket->read(qMin(m_socket->bytesAvailable(), kReadChunk)));
         while (!m_closing) {
             const std::optional<protocol::FrameBuffer::Frame> frame = m_buffer.next();
             if (!frame)
@@ -99,6 +115,8 @@ void Connection::readAvailable()
             QMetaObject::invokeMethod(this, &Connection::finish, Qt::QueuedConnection);
         }
     }
+    if (m_buffer.size() == 0)
+        m_buffer.clear();
 }
 
 void Connection::finish()

@@ -3,6 +3,7 @@
 // nothing malformed and keeps what it acknowledged. (Messages that do not decode are the
 // presence and room tests'; stray bytes the frame buffer's.)
 #include "lobbytest.h"
+#include "server/connection.h"
 
 #include <QRandomGenerator>
 
@@ -25,6 +26,32 @@ private Q_SLOTS:
         // The chat line is all that came of it, for both.
         for (TestClient *client : {anna, bert})
             QCOMPARE(fieldsOf(client->pending()), Rows({{"Anna", "0", "still here"}}));
+    }
+
+    // What the kernel cannot take at once waits behind it: a client that reads late still gets
+    // every byte, in order.
+    void aLateReaderGetsEveryByteInOrder()
+    {
+        QTcpServer listener;
+        QVERIFY(listener.listen(QHostAddress::LocalHost));
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, listener.serverPort());
+        QVERIFY(listener.waitForNewConnection(5000));
+        server::Connection connection(listener.nextPendingConnection());
+        QByteArray expected;
+        for (int i = 0; expected.size() < 4 * 1024 * 1024; ++i) {
+            const QByteArray piece = QByteArray::number(i).repeated(1 + i % 700);
+            expected += piece;
+            connection.send(piece);
+        }
+        QByteArray received;
+        QVERIFY(waitUntil(
+            [&] {
+                received += client.readAll();
+                return received.size() >= expected.size();
+            },
+            20000));
+        QVERIFY(received == expected);
     }
 
     void endlessMessageClosesOnlyThatConnection()
