@@ -6,21 +6,21 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
+#include <algorithm>
 
 namespace server {
 
 BuddyStore::BuddyStore(Database &database) : m_database(database)
 {
     m_writer.setSingleShot(true);
-    QObject::connect(&m_writer, &QTimer::timeout, [this] {
-        if (!flush())
-            m_writer.start(kRetryMs);
-    });
+    QObject::connect(&m_writer, &QTimer::timeout, [this] { writeOrRetry(); });
 }
 
 BuddyStore::~BuddyStore()
 {
-    flush();
+    if (!flush())
+        qCWarning(lcStore).noquote() << "buddy changes lost at shut-down:" << m_queued.size()
+                                     << "not written:" << m_lastError;
 }
 
 void BuddyStore::add(int ownerId, int buddyId)
@@ -39,6 +39,23 @@ void BuddyStore::schedule()
 {
     if (!m_writer.isActive())
         m_writer.start(0);
+}
+
+void BuddyStore::writeOrRetry()
+{
+    if (flush()) {
+        if (m_refusals > 0)
+            qCInfo(lcStore).noquote()
+                << "buddy changes written after" << m_refusals << "refused tries";
+        m_refusals = 0;
+        return;
+    }
+    const int delay = std::min(kRetryMs << std::min(m_refusals, 8), kMaxRetryMs);
+    if (m_refusals == 0 || delay == kMaxRetryMs)
+        qCWarning(lcStore).noquote() << "buddy changes not written, retrying in" << delay
+                                     << "ms:" << m_queued.size() << "waiting:" << m_lastError;
+    ++m_refusals;
+    m_writer.start(delay);
 }
 
 bool BuddyStore::flush()
@@ -64,6 +81,7 @@ bool BuddyStore::flush()
         }
         if (error.isEmpty() && db.commit()) {
             m_queued.clear();
+            m_lastError.clear();
             return true;
         }
         if (error.isEmpty())
@@ -72,8 +90,7 @@ bool BuddyStore::flush()
     } else {
         error = db.lastError().text();
     }
-    qCWarning(lcStore).noquote() << "buddy changes not written, retrying:" << m_queued.size()
-                                 << "waiting:" << error;
+    m_lastError = error;
     return false;
 }
 

@@ -12,8 +12,10 @@ class Database;
 //
 // Changes are written in the background of the event loop: add() and remove() queue them,
 // and all changes queued during one turn of the loop go to the database in one transaction,
-// in the order they were made. When another process holds the database's lock the batch is
-// retried a little later rather than waited for, so the lobby never stalls on the disk.
+// in the order they were made. When the database refuses a batch (another process holds its
+// lock, the disk is full) the batch stays queued and is tried again after 0.2 s, then after
+// twice as long each time up to 30 s, rather than waited for, so the lobby never stalls on the
+// disk. The first refusal is logged, then one line per 30 s while it lasts, and the recovery.
 // Reads see the queued changes.
 class BuddyStore
 {
@@ -25,10 +27,13 @@ public:
     void remove(int ownerId, int buddyId);
     QSet<int> buddiesOf(int ownerId) const;
 
-    // Writes what is queued now; false when the database refused it (it stays queued).
+    // Writes what is queued now; false when the database refused it (it stays queued, and
+    // lastError() says why).
     bool flush();
+    QString lastError() const { return m_lastError; }
 
     static constexpr int kRetryMs = 200;
+    static constexpr int kMaxRetryMs = 30'000;
 
 private:
     struct Change
@@ -38,10 +43,13 @@ private:
         int buddyId = 0;
     };
     void schedule();
+    void writeOrRetry();
 
     Database &m_database;
     QList<Change> m_queued;
     QTimer m_writer;
+    QString m_lastError;
+    int m_refusals = 0; // in a row
 };
 
 } // namespace server

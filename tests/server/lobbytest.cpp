@@ -2,6 +2,9 @@
 
 #include "protocol/wiremessage.h"
 
+#include <QSqlQuery>
+#include <utility>
+
 Rows fieldsOf(const QList<Message> &messages)
 {
     Rows out;
@@ -165,4 +168,28 @@ bool TestLobby::sync(TestClient *via)
 WebReply TestLobby::fetch(const QString &pathAndQuery)
 {
     return webGet(QStringLiteral("http://127.0.0.1:%1%2").arg(web.serverPort()).arg(pathAndQuery));
+}
+
+bool TestLobby::lockDatabase()
+{
+    if (!QSqlQuery(database.handle()).exec(QStringLiteral("PRAGMA busy_timeout = 20")))
+        return false;
+    m_lockHolder = QStringLiteral("lock holder %1").arg(quintptr(this));
+    QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_lockHolder);
+    other.setDatabaseName(database.handle().databaseName());
+    return other.open() && QSqlQuery(other).exec(QStringLiteral("BEGIN IMMEDIATE"));
+}
+
+bool TestLobby::unlockDatabase()
+{
+    const bool committed =
+        QSqlQuery(QSqlDatabase::database(m_lockHolder)).exec(QStringLiteral("COMMIT"));
+    QSqlDatabase::removeDatabase(std::exchange(m_lockHolder, QString()));
+    return committed;
+}
+
+TestLobby::~TestLobby()
+{
+    if (!m_lockHolder.isEmpty()) // a test that failed while holding it
+        unlockDatabase();
 }

@@ -121,6 +121,7 @@ class TestLobby
 public:
     explicit TestLobby(server::LobbyConfig config = {},
                        server::HashCost cost = server::HashCost::Minimal);
+    ~TestLobby();
 
     int addAccount(const QString &name, const QString &password = "pw",
                    const QString &email = QString()); // its id
@@ -145,6 +146,11 @@ public:
     // GET `pathAndQuery` ("/?p=stats&id=3") from the web pages.
     WebReply fetch(const QString &pathAndQuery);
 
+    // Plays another process (an admin command, a backup) that takes the database's write lock
+    // until unlockDatabase(); the server's own statements then wait at most 20 ms for it.
+    bool lockDatabase();
+    bool unlockDatabase();
+
     QTemporaryDir dir;
     server::Database database;
     server::AccountStore accounts{database};
@@ -163,4 +169,5 @@ private:
     std::vector<std::unique_ptr<TestClient>> m_clients; // closed before the server goes
     QList<TestClient *> m_loggedIn;
     int m_syncs = 0;
+    QString m_lockHolder;
 };

@@ -4,6 +4,8 @@
 #include "lobbytest.h"
 
 #include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QSqlQuery>
 
 class TestPresence : public QObject
 {
@@ -90,6 +92,28 @@ private Q_SLOTS:
         QVERIFY(lobby.sync(annaAgain));
         QCOMPARE(fieldOf(lobby.loggedIn("Anna")->takeCount(Code::AddPlayer, 3), 4),
                  QStringList({"0", "0", "0"}));
+    }
+
+    // While another process holds the database's lock, a buddy change waits without filling
+    // the log (one line, then one per half minute) and lands once the lock is gone.
+    void buddyChangesWaitOutALockedDatabase()
+    {
+        TestLobby lobby;
+        TestClient *anna = lobby.loggedIn("Anna");
+        const int bertId = lobby.addAccount("Bert");
+        QVERIFY(lobby.lockDatabase());
+        const QRegularExpression refused("buddy changes not written");
+        QTest::ignoreMessage(QtWarningMsg, refused);
+        QTest::failOnWarning(refused);
+        anna->send(Code::BuddyAdd, {QString::number(bertId)});
+        QVERIFY(lobby.sync(anna));
+        QTest::qWait(1500); // retried every 0.2 s, this would be seven lines
+        QVERIFY(lobby.unlockDatabase());
+        QSqlQuery stored(lobby.database.handle());
+        QVERIFY(waitUntil([&] {
+            return stored.exec("SELECT COUNT(*) FROM buddies") && stored.next() &&
+                   stored.value(0).toInt() == 1;
+        }));
     }
 };
 

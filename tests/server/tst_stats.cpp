@@ -189,27 +189,20 @@ private Q_SLOTS:
         QFETCH(int, rounds);
         QFETCH(int, rejected);
         TestLobby lobby;
-        QVERIFY(QSqlQuery(lobby.database.handle()).exec("PRAGMA busy_timeout = 20"));
         TestClient *anna = lobby.loggedIn("Anna");
         const int annaId = lobby.idOf("Anna");
-        const QString holder = QStringLiteral("holder");
-        {
-            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", holder);
-            other.setDatabaseName(lobby.database.handle().databaseName());
-            QVERIFY(other.open() && QSqlQuery(other).exec("BEGIN IMMEDIATE"));
-            for (const Code code : sent) {
-                if (code == Code::StatsUpload)
-                    anna->sendRaw(round(1, {player("Anna")}).encode());
-                else if (code == Code::StatsReset)
-                    anna->send(Code::StatsReset);
-                else
-                    anna->send(Code::StatsUpload, uploadFields("1", "Survival", 0) << "x");
-            }
-            QVERIFY(lobby.sync(anna));
-            QCOMPARE(lobby.stats.rejected().size() + roundsOf(lobby, annaId), 0);
-            QVERIFY(QSqlQuery(other).exec("COMMIT"));
+        QVERIFY(lobby.lockDatabase());
+        for (const Code code : sent) {
+            if (code == Code::StatsUpload)
+                anna->sendRaw(round(1, {player("Anna")}).encode());
+            else if (code == Code::StatsReset)
+                anna->send(Code::StatsReset);
+            else
+                anna->send(Code::StatsUpload, uploadFields("1", "Survival", 0) << "x");
         }
-        QSqlDatabase::removeDatabase(holder);
+        QVERIFY(lobby.sync(anna));
+        QCOMPARE(lobby.stats.rejected().size() + roundsOf(lobby, annaId), 0);
+        QVERIFY(lobby.unlockDatabase());
         QSqlQuery uploads(lobby.database.handle());
         QVERIFY(waitUntil([&] {
             return uploads.exec("SELECT COUNT(*) FROM stats_uploads") && uploads.next() &&
