@@ -27,10 +27,8 @@ public:
     void remove(int ownerId, int buddyId);
     QSet<int> buddiesOf(int ownerId) const;
 
-    // Writes what is queued now; false when the database refused it (it stays queued, and
-    // lastError() says why).
+    // Writes what is queued now; false when the database refused it (it stays queued).
     bool flush();
-    QString lastError() const { return m_lastError; }
 
     static constexpr int kRetryMs = 200;
     static constexpr int kMaxRetryMs = 30'000;
@@ -48,8 +46,8 @@ private:
     Database &m_database;
     QList<Change> m_queued;
     QTimer m_writer;
-    QString m_lastError;
-    int m_refusals = 0; // in a row
+    QString m_lastError; // why the last flush() was refused
+    int m_refusals = 0;  // in a row
 };
 
 } // namespace server
