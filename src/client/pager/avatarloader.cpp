@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <QUrlQuery>
 
+#include <memory>
+
 namespace client {
 
 AvatarLoader::AvatarLoader(QUrl server, QObject *parent)
@@ -42,25 +44,36 @@ void AvatarLoader::load(qint64 index, const QString &hash)
     request.setTransferTimeout(int(kTimeout.count()));
     QNetworkReply *reply = m_network->get(request);
     ++m_pending;
+    // The answer is taken out of the reply as it comes, and the network thread reads at most
+    // kReadAhead beyond it, so an endless answer is cut off near the cap instead of being read
+    // into memory faster than the abort can follow.
+    reply->setReadBufferSize(kReadAhead);
+    auto body = std::make_shared<QByteArray>();
     // Past the cap the answer is abandoned: declared too large, or growing too large.
-    const auto checkSize = [reply] {
+    connect(reply, &QNetworkReply::metaDataChanged, this, [reply] {
         const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
-        if (reply->bytesAvailable() > kMaxBytes ||
-            (length.isValid() && length.toLongLong() > kMaxBytes))
+        if (length.isValid() && length.toLongLong() > kMaxBytes)
+            reply->abort();
+    });
+    const auto take = [reply, body] {
+        body->append(reply->read(kMaxBytes + 1 - body->size()));
+        if (body->size() > kMaxBytes)
             reply->abort();
     };
-    connect(reply, &QNetworkReply::metaDataChanged, this, checkSize);
-    connect(reply, &QIODevice::readyRead, this, checkSize);
-    connect(reply, &QNetworkReply::finished, this, [this, reply, index] { finish(reply, index); });
+    connect(reply, &QIODevice::readyRead, this, take);
+    connect(reply, &QNetworkReply::finished, this, [this, reply, index, body, take] {
+        take();
+        finish(reply, index, *body);
+    });
 }
 
-void AvatarLoader::finish(QNetworkReply *reply, qint64 index)
+void AvatarLoader::finish(QNetworkReply *reply, qint64 index, const QByteArray &body)
 {
     reply->deleteLater();
     --m_pending;
     QImage picture;
-    if (reply->error() == QNetworkReply::NoError && reply->bytesAvailable() <= kMaxBytes)
-        picture = Picture::load(reply->readAll(), {kSide, kSide});
+    if (reply->error() == QNetworkReply::NoError && body.size() <= kMaxBytes)
+        picture = Picture::load(body, {kSide, kSide});
     if (picture.isNull())
         Q_EMIT failed(index);
     else

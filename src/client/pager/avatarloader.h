@@ -44,7 +44,9 @@ Q_SIGNALS:
     void failed(qint64 index);
 
 private:
-    void finish(QNetworkReply *reply, qint64 index);
+    void finish(QNetworkReply *reply, qint64 index, const QByteArray &body);
+
+    static constexpr qint64 kReadAhead = 64 * 1024;
 
     QUrl m_server;
     QNetworkAccessManager *m_network;
