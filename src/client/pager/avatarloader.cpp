@@ -57,7 +57,7 @@ void AvatarLoader::load(qint64 index, const QString &hash)
     });
     const auto take = [reply, body] {
         body->append(reply->read(kMaxBytes + 1 - body->size()));
-        if (body->size() > kMaxBytes)
+        if (body->size() > kMaxBytes && reply->isRunning())
             reply->abort();
     };
     connect(reply, &QIODevice::readyRead, this, take);
