@@ -8,8 +8,8 @@
 
 #include "client/game/gameinfo.h"
 #include "client/game/gameserverquery.h"
+#include "client/platform/tickcount.h"
 #include "client/rooms/roomlistmodel.h"
-#include "client/session/tickcount.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>

@@ -1,16 +1,17 @@
 // quorvel: the desktop lobby client.
 #include "client/app/clientapplication.h"
+#include "client/app/form1.h"
+#include "client/desktop/effectsoundplayer.h"
+#include "client/desktop/qtdialogs.h"
+#include "client/desktop/trayservice.h"
+#include "client/platform/clock.h"
 #include "client/platform/datafolder.h"
 #include "client/platform/detachedprocessstarter.h"
-#include "client/platform/dialogs.h"
 #include "client/platform/registrylinux.h"
-#include "client/platform/soundplayer.h"
-#include "client/platform/trayservice.h"
+#include "client/platform/tickcount.h"
 #include "client/platform/unattendeddialogs.h"
 #include "client/platform/wineconfig.h"
-#include "client/session/clock.h"
-#include "client/session/lobbyaddress.h"
-#include "client/session/tickcount.h"
+#include "client/settings/lobbyaddress.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -131,6 +132,7 @@ int main(int argc, char *argv[])
     // Queued, so that the shut-down's deferred window deletions run before the loop ends.
     QObject::connect(&client, &ClientApplication::shutDownFinished, &app, &QCoreApplication::quit,
                      Qt::QueuedConnection);
+    screenDialogs.setMainWindow(&client.form());
     if (!client.start())
         return 1;
     if (changed)

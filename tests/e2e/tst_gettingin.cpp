@@ -5,7 +5,7 @@
 // ctest: timeout=120
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
-#include "client/lobby/frmlogin.h"
+#include "client/login/frmlogin.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/picturebutton.h"

@@ -4,12 +4,12 @@
 // area and no sound device under the offscreen platform, dialogs that nobody answers, a
 // keyboard nobody presses, and clocks that move only when a test moves them.
 
+#include "client/desktop/trayservice.h"
+#include "client/platform/clock.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/keystate.h"
 #include "client/platform/soundplayer.h"
-#include "client/platform/trayservice.h"
-#include "client/session/clock.h"
-#include "client/session/tickcount.h"
+#include "client/platform/tickcount.h"
 
 class FakeTray final : public client::TrayService
 {

@@ -1,7 +1,7 @@
 #include "client/app/appwindows.h"
 
 #include "client/game/frmgameinfo.h"
-#include "client/lobby/frmlogin.h"
+#include "client/login/frmlogin.h"
 #include "client/options/frmoptions.h"
 #include "client/pager/frmpager.h"
 #include "client/presence/frmmenu.h"

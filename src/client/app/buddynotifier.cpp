@@ -1,9 +1,9 @@
 #include "client/app/buddynotifier.h"
 
-#include "client/options/options.h"
+#include "client/desktop/trayservice.h"
+#include "client/platform/clock.h"
 #include "client/platform/dialogs.h"
-#include "client/platform/trayservice.h"
-#include "client/session/clock.h"
+#include "client/settings/options.h"
 
 namespace client {
 

@@ -6,6 +6,9 @@
 #include "client/app/sessionlooks.h"
 #include "client/app/traycontroller.h"
 #include "client/app/windowplacer.h"
+#include "client/desktop/trayservice.h"
+#include "client/desktop/x11gamewindowfinder.h"
+#include "client/desktop/x11keystate.h"
 #include "client/game/findgameserver.h"
 #include "client/game/frmgameinfo.h"
 #include "client/game/gameinfo.h"
@@ -15,30 +18,24 @@
 #include "client/game/ingamedetection.h"
 #include "client/game/launchsites.h"
 #include "client/lobby/credentialsfile.h"
-#include "client/lobby/frmlogin.h"
 #include "client/lobby/keepalive.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
 #include "client/lobby/onlinetimer.h"
-#include "client/options/autostart.h"
-#include "client/options/basregistry.h"
-#include "client/options/defaultgamefolders.h"
+#include "client/login/frmlogin.h"
 #include "client/options/frmoptions.h"
-#include "client/options/options.h"
-#include "client/options/optionsstore.h"
 #include "client/pager/avatarloader.h"
 #include "client/pager/frmpager.h"
 #include "client/pager/pager.h"
+#include "client/platform/clock.h"
 #include "client/platform/datafolder.h"
 #include "client/platform/detachedprocessstarter.h"
 #include "client/platform/dialogs.h"
+#include "client/platform/eventsounds.h"
 #include "client/platform/inotifyfolderwatcher.h"
 #include "client/platform/privatefiles.h"
 #include "client/platform/proctcptable.h"
-#include "client/platform/trayservice.h"
-#include "client/platform/x11gamewindowfinder.h"
-#include "client/platform/x11keystate.h"
 #include "client/presence/chatarchive.h"
 #include "client/presence/frmmenu.h"
 #include "client/presence/lobbychat.h"
@@ -54,9 +51,12 @@
 #include "client/rooms/roomlistview.h"
 #include "client/rooms/roomsession.h"
 #include "client/rooms/roomstate.h"
-#include "client/session/clock.h"
-#include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
+#include "client/settings/autostart.h"
+#include "client/settings/basregistry.h"
+#include "client/settings/defaultgamefolders.h"
+#include "client/settings/options.h"
+#include "client/settings/optionsstore.h"
 #include "client/stats/resultlogharvester.h"
 #include "client/stats/resultlogwatch.h"
 #include "client/stats/statspage.h"
@@ -92,9 +92,11 @@ ClientApplication::ClientApplication(Services services, ServerAddresses servers,
     // Built before the settings are loaded, so that loading a ticked Autostart writes the Run
     // value.
     m_autoStart = new AutoStart(*m_options, *m_basRegistry, AutoStart::currentProgram(), this);
-    m_sounds = new EventSounds(
-        *m_services.sounds, [this] { return m_options->sound(); },
-        [this] { return m_options->pathRS(); }, this);
+    m_sounds = new EventSounds(*m_services.sounds, this);
+    m_sounds->setSoundsOn(m_options->sound());
+    m_sounds->setGameFolder(m_options->pathRS());
+    connect(m_options, &Options::soundChanged, m_sounds, &EventSounds::setSoundsOn);
+    connect(m_options, &Options::pathRSChanged, m_sounds, &EventSounds::setGameFolder);
     m_looks = new SessionLooks(*m_form, *m_services.tray, *m_session, this);
 
     buildLobby();

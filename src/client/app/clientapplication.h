@@ -1,6 +1,6 @@
 #pragma once
 
-#include "client/session/lobbyaddress.h"
+#include "client/settings/lobbyaddress.h"
 
 #include <QObject>
 #include <QStringList>

@@ -1,8 +1,8 @@
 #include "client/app/sessionlooks.h"
 
 #include "client/app/form1.h"
+#include "client/desktop/trayservice.h"
 #include "client/platform/dialogs.h"
-#include "client/platform/trayservice.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"

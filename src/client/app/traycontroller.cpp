@@ -2,8 +2,8 @@
 
 #include "client/app/form1.h"
 #include "client/app/sessionlooks.h"
+#include "client/desktop/trayservice.h"
 #include "client/lobby/lobbyconnection.h"
-#include "client/platform/trayservice.h"
 #include "client/presence/lobbychat.h"
 #include "client/presence/presence.h"
 #include "client/session/sessionstate.h"

@@ -1,9 +1,9 @@
 #include "client/game/gamelauncher.h"
 
 #include "client/game/gameport.h"
-#include "client/options/options.h"
 #include "client/platform/dialogs.h"
 #include "client/platform/processstarter.h"
+#include "client/settings/options.h"
 
 #include <QDir>
 

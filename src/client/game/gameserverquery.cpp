@@ -1,8 +1,8 @@
 #include "client/game/gameserverquery.h"
 
 #include "client/game/gameinfo.h"
+#include "client/platform/tickcount.h"
 #include "client/rooms/roomlistmodel.h"
-#include "client/session/tickcount.h"
 #include "protocol/cp1252.h"
 
 #include <QNetworkDatagram>

@@ -4,9 +4,9 @@
 #include "client/game/gamewindows.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/onlinetimer.h"
-#include "client/options/options.h"
 #include "client/platform/folderwatcher.h"
 #include "client/session/sessionstate.h"
+#include "client/settings/options.h"
 #include "protocol/presence.h"
 #include "protocol/rooms.h"
 

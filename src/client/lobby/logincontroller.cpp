@@ -3,10 +3,10 @@
 #include "client/lobby/credentialsfile.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
+#include "client/platform/eventsounds.h"
 #include "client/session/clientversion.h"
-#include "client/session/eventsounds.h"
-#include "client/session/lobbyaddress.h"
 #include "client/session/sessionstate.h"
+#include "client/settings/lobbyaddress.h"
 #include "protocol/login.h"
 
 #include <QCoreApplication>

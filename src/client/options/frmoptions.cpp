@@ -1,9 +1,9 @@
 #include "client/options/frmoptions.h"
 
 #include "client/options/hotkeyedit.h"
-#include "client/options/options.h"
-#include "client/options/optionsstore.h"
 #include "client/platform/dialogs.h"
+#include "client/settings/options.h"
+#include "client/settings/optionsstore.h"
 #include "client/ui/picturebutton.h"
 
 #include <QCheckBox>

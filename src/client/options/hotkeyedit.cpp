@@ -1,7 +1,7 @@
 #include "client/options/hotkeyedit.h"
 
-#include "client/options/hotkeynames.h"
 #include "client/platform/x11keycodes.h"
+#include "client/settings/hotkeynames.h"
 
 #include <QKeyEvent>
 

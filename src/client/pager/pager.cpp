@@ -3,10 +3,10 @@
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/pager/avatarloader.h"
+#include "client/platform/eventsounds.h"
 #include "client/presence/playerlistmodel.h"
-#include "client/session/blanks.h"
-#include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
+#include "client/text/blanks.h"
 #include "client/ui/icons.h"
 #include "protocol/chat.h"
 

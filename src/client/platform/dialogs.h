@@ -2,8 +2,6 @@
 
 #include <QString>
 
-class QWidget;
-
 namespace client {
 
 // The dialogs that wait for the user: message boxes, the input box and the file dialog. Every
@@ -28,25 +26,6 @@ public:
     // typed characters (passwords).
     virtual QString inputBox(const QString &prompt, const QString &title,
                              const QString &defaultText = {}, bool masked = false) = 0;
-};
-
-// The real Qt dialogs, centred on `parent` when it is given, else on the program's window in
-// front (a modal one first), else on its main window.
-class QtDialogs final : public Dialogs
-{
-public:
-    explicit QtDialogs(QWidget *parent = nullptr) : m_parent(parent) {}
-
-    Answer messageBox(const QString &title, const QString &text, Buttons buttons,
-                      Icon icon) override;
-    QString openFileName(const QString &title, const QString &filter) override;
-    QString inputBox(const QString &prompt, const QString &title, const QString &defaultText,
-                     bool masked) override;
-
-private:
-    QWidget *owner() const;
-
-    QWidget *m_parent;
 };
 
 // The title that the program's message boxes carry.

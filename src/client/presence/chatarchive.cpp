@@ -1,7 +1,7 @@
 #include "client/presence/chatarchive.h"
 
+#include "client/platform/clock.h"
 #include "client/platform/privatefiles.h"
-#include "client/session/clock.h"
 
 #include <QDir>
 #include <QFile>

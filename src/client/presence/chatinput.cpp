@@ -2,7 +2,7 @@
 
 #include "client/lobby/lobbyconnection.h"
 #include "client/presence/chatwords.h"
-#include "client/session/blanks.h"
+#include "client/text/blanks.h"
 #include "protocol/chat.h"
 
 #include <QAbstractButton>

@@ -1,6 +1,6 @@
 #include "client/presence/chatlog.h"
 
-#include "client/session/clock.h"
+#include "client/platform/clock.h"
 
 namespace client {
 

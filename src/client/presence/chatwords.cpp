@@ -1,6 +1,6 @@
 #include "client/presence/chatwords.h"
 
-#include "client/session/blanks.h"
+#include "client/text/blanks.h"
 #include "protocol/cp1252.h"
 
 #include <QLocale>

@@ -1,6 +1,6 @@
 #include "client/presence/sendrateguard.h"
 
-#include "client/session/clock.h"
+#include "client/platform/clock.h"
 #include "client/session/sessionstate.h"
 
 namespace client {

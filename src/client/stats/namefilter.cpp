@@ -1,6 +1,6 @@
 #include "client/stats/namefilter.h"
 
-#include "client/session/blanks.h"
+#include "client/text/blanks.h"
 
 namespace client {
 

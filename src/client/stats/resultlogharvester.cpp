@@ -1,8 +1,8 @@
 #include "client/stats/resultlogharvester.h"
 
 #include "client/lobby/lobbyconnection.h"
-#include "client/options/basregistry.h"
-#include "client/session/clock.h"
+#include "client/platform/clock.h"
+#include "client/settings/basregistry.h"
 #include "client/stats/resultlog.h"
 #include "protocol/chat.h"
 

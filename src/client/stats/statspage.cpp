@@ -1,7 +1,7 @@
 #include "client/stats/statspage.h"
 
-#include "client/session/lobbyaddress.h"
 #include "client/session/sessionstate.h"
+#include "client/settings/lobbyaddress.h"
 
 namespace client {
 

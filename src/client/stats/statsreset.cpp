@@ -1,11 +1,11 @@
 #include "client/stats/statsreset.h"
 
 #include "client/lobby/lobbyconnection.h"
-#include "client/options/options.h"
 #include "client/platform/dialogs.h"
+#include "client/platform/eventsounds.h"
 #include "client/platform/keystate.h"
-#include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
+#include "client/settings/options.h"
 #include "protocol/stats.h"
 
 namespace client {

@@ -2,8 +2,8 @@
 
 #include "client/platform/dialogs.h"
 #include "client/session/clientversion.h"
-#include "client/session/lobbyaddress.h"
 #include "client/session/sessionstate.h"
+#include "client/settings/lobbyaddress.h"
 #include "client/update/updateinstaller.h"
 
 #include <QProcess>

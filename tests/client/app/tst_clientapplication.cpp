@@ -2,7 +2,7 @@
 #include "client/app/form1.h"
 #include "client/game/frmgameinfo.h"
 #include "client/lobby/credentialsfile.h"
-#include "client/lobby/frmlogin.h"
+#include "client/login/frmlogin.h"
 #include "client/options/frmoptions.h"
 #include "client/pager/frmpager.h"
 #include "client/platform/privatefiles.h"

@@ -1,10 +1,10 @@
 #include "client/lobby/credentialsfile.h"
-#include "client/lobby/frmlogin.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/lobby/logincontroller.h"
 #include "client/lobby/onlinetimer.h"
-#include "client/session/eventsounds.h"
+#include "client/login/frmlogin.h"
+#include "client/platform/eventsounds.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/picturebutton.h"
 #include "protocol/login.h"
@@ -35,7 +35,7 @@ struct Session
     LobbyConnection connection{dispatcher, 300ms};
     SessionState state;
     RecordingPlayer player;
-    EventSounds sounds{player, [] { return false; }, [] { return QString(); }};
+    EventSounds sounds{player};
     OnlineTimer timer1{state};
     QStringList lines;
     int listResets = 0;

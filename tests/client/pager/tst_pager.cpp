@@ -4,8 +4,8 @@
 #include "client/lobby/lobbydispatcher.h"
 #include "client/pager/avatarloader.h"
 #include "client/pager/pager.h"
+#include "client/platform/eventsounds.h"
 #include "client/presence/playerlistmodel.h"
-#include "client/session/eventsounds.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/icons.h"
 #include "protocol/chat.h"
@@ -57,8 +57,9 @@ private Q_SLOTS:
         QTemporaryDir game;
         QVERIFY(writeFile(game.filePath("data/sound/A_CRHRN1.WAV")));
         RecordingPlayer player;
-        EventSounds sounds(
-            player, [] { return true; }, [&game] { return game.path(); });
+        EventSounds sounds(player);
+        sounds.setSoundsOn(true);
+        sounds.setGameFolder(game.path());
         PlayerListModel players;
         for (const auto &[name, id] : {std::pair{"ann", "11"}, std::pair{"bob", "12"}}) {
             PlayerListModel::Entry entry;

@@ -1,9 +1,9 @@
 // ctest: xvfb
+#include "client/desktop/x11gamewindowfinder.h"
+#include "client/desktop/x11keystate.h"
 #include "client/game/findgameserver.h"
 #include "client/platform/detachedprocessstarter.h"
 #include "client/platform/proctcptable.h"
-#include "client/platform/x11gamewindowfinder.h"
-#include "client/platform/x11keystate.h"
 #include "support/gamefakes.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"

@@ -1,7 +1,7 @@
-#include "client/options/basregistry.h"
 #include "client/platform/registryautostart.h"
 #include "client/platform/registrylinux.h"
 #include "client/platform/registrywine.h"
+#include "client/settings/basregistry.h"
 #include "support/files.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "client/lobby/credentialsfile.h"
-#include "client/session/lobbyaddress.h"
+#include "client/settings/lobbyaddress.h"
 #include "client/ui/borderlesswindow.h"
 
 class QLabel;

@@ -1,4 +1,4 @@
-#include "client/options/hotkeynames.h"
+#include "client/settings/hotkeynames.h"
 
 #include <Qt>
 #include <unordered_map>

@@ -1,5 +1,6 @@
+#include "client/desktop/effectsoundplayer.h"
 #include "client/platform/casepath.h"
-#include "client/session/eventsounds.h"
+#include "client/platform/eventsounds.h"
 #include "support/clientfakes.h"
 #include "support/files.h"
 
@@ -33,16 +34,14 @@ private Q_SLOTS:
     {
         QTemporaryDir game;
         RecordingPlayer player;
-        bool soundsOn = false;
-        QString folder = game.path();
-        EventSounds sounds(
-            player, [&] { return soundsOn; }, [&] { return folder; });
+        EventSounds sounds(player);
+        sounds.setGameFolder(game.path());
 
         sounds.play(Event::ConnectionDropped);
         sounds.playAlways(Event::StatsReset);
-        soundsOn = true;
+        sounds.setSoundsOn(true);
         sounds.play(Event::ConnectionDropped);
-        folder = "  ";
+        sounds.setGameFolder("  ");
         sounds.play(Event::Connecting);
         QCOMPARE(player.played, (QStringList{game.filePath("data/sound/English/ref_clr1.wav"),
                                              game.filePath("data/sound/English/rr_pan4.wav")}));

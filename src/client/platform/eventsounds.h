@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
+#include <QString>
 
 namespace client {
 
@@ -17,9 +17,13 @@ class EventSounds : public QObject
 public:
     enum class Event { Connecting, ConnectionDropped, LoggedOut, PrivateMessage, StatsReset };
 
-    // `soundsOn` reads "Play sounds"; `gameFolder` reads the Rogue Spear folder.
-    EventSounds(SoundPlayer &player, std::function<bool()> soundsOn,
-                std::function<QString()> gameFolder, QObject *parent = nullptr);
+    // Silent, with no game folder, until the settings are pushed in.
+    explicit EventSounds(SoundPlayer &player, QObject *parent = nullptr);
+
+    // "Play sounds".
+    void setSoundsOn(bool on) { m_soundsOn = on; }
+    // The Rogue Spear folder the sounds are read from.
+    void setGameFolder(const QString &folder) { m_gameFolder = folder; }
 
     // Plays the sound of `event` when sounds are on.
     void play(Event event);
@@ -33,8 +37,8 @@ public:
 
 private:
     SoundPlayer &m_player;
-    std::function<bool()> m_soundsOn;
-    std::function<QString()> m_gameFolder;
+    bool m_soundsOn = false;
+    QString m_gameFolder;
 };
 
 } // namespace client

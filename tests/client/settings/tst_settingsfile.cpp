@@ -1,6 +1,6 @@
-#include "client/options/hotkeynames.h"
-#include "client/options/options.h"
-#include "client/options/settingsfile.h"
+#include "client/settings/hotkeynames.h"
+#include "client/settings/options.h"
+#include "client/settings/settingsfile.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,4 +1,4 @@
-#include "client/platform/x11keystate.h"
+#include "client/desktop/x11keystate.h"
 
 #include "client/platform/x11keycodes.h"
 

@@ -1,4 +1,4 @@
-#include "client/session/lobbyaddress.h"
+#include "client/settings/lobbyaddress.h"
 
 #include <QTemporaryDir>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "client/platform/trayservice.h"
+#include "client/desktop/trayservice.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "client/options/defaultgamefolders.h"
+#include "client/settings/defaultgamefolders.h"
 
 #include <QString>
 

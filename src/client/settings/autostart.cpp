@@ -1,7 +1,7 @@
-#include "client/options/autostart.h"
+#include "client/settings/autostart.h"
 
-#include "client/options/basregistry.h"
-#include "client/options/options.h"
+#include "client/settings/basregistry.h"
+#include "client/settings/options.h"
 
 #include <QCoreApplication>
 #include <QDir>

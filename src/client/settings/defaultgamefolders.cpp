@@ -1,7 +1,7 @@
-#include "client/options/defaultgamefolders.h"
+#include "client/settings/defaultgamefolders.h"
 
-#include "client/options/options.h"
 #include "client/platform/casepath.h"
+#include "client/settings/options.h"
 
 #include <QFileInfo>
 

@@ -1,4 +1,4 @@
-#include "client/platform/x11gamewindowfinder.h"
+#include "client/desktop/x11gamewindowfinder.h"
 
 #include <QDirIterator>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "client/platform/dialogs.h"
+#include "client/desktop/qtdialogs.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -10,18 +10,12 @@ namespace client {
 
 QWidget *QtDialogs::owner() const
 {
-    if (m_parent)
-        return m_parent;
     if (QWidget *modal = QApplication::activeModalWidget())
         return modal;
     if (QWidget *active = QApplication::activeWindow())
         return active;
     // The program is not in front: the dialog still opens over its main window.
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget *window) {
-        return window->isVisible() && window->objectName() == QLatin1String("Form1");
-    });
-    return main == windows.end() ? nullptr : *main;
+    return m_mainWindow && m_mainWindow->isVisible() ? m_mainWindow.data() : nullptr;
 }
 
 Dialogs::Answer QtDialogs::messageBox(const QString &title, const QString &text, Buttons buttons,

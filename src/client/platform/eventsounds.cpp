@@ -1,14 +1,11 @@
-#include "client/session/eventsounds.h"
+#include "client/platform/eventsounds.h"
 
 #include "client/platform/casepath.h"
 #include "client/platform/soundplayer.h"
 
 namespace client {
 
-EventSounds::EventSounds(SoundPlayer &player, std::function<bool()> soundsOn,
-                         std::function<QString()> gameFolder, QObject *parent)
-    : QObject(parent), m_player(player), m_soundsOn(std::move(soundsOn)),
-      m_gameFolder(std::move(gameFolder))
+EventSounds::EventSounds(SoundPlayer &player, QObject *parent) : QObject(parent), m_player(player)
 {
 }
 
@@ -31,15 +28,14 @@ QString EventSounds::relativePath(Event event)
 
 QString EventSounds::filePath(Event event) const
 {
-    const QString folder = m_gameFolder ? m_gameFolder() : QString();
-    if (folder.trimmed().isEmpty())
+    if (m_gameFolder.trimmed().isEmpty())
         return {};
-    return resolveCaseInsensitive(folder, relativePath(event));
+    return resolveCaseInsensitive(m_gameFolder, relativePath(event));
 }
 
 void EventSounds::play(Event event)
 {
-    if (m_soundsOn && m_soundsOn())
+    if (m_soundsOn)
         playAlways(event);
 }
 

@@ -1,4 +1,4 @@
-#include "client/platform/soundplayer.h"
+#include "client/desktop/effectsoundplayer.h"
 
 #include <QFileInfo>
 #include <QSoundEffect>

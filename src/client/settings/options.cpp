@@ -1,6 +1,6 @@
-#include "client/options/options.h"
+#include "client/settings/options.h"
 
-#include "client/options/hotkeynames.h"
+#include "client/settings/hotkeynames.h"
 
 namespace client {
 

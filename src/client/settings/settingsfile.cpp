@@ -1,8 +1,8 @@
-#include "client/options/settingsfile.h"
+#include "client/settings/settingsfile.h"
 
-#include "client/options/options.h"
 #include "client/platform/privatefiles.h"
-#include "client/session/blanks.h"
+#include "client/settings/options.h"
+#include "client/text/blanks.h"
 #include "protocol/cp1252.h"
 
 #include <QFile>

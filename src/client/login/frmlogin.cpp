@@ -1,4 +1,4 @@
-#include "client/lobby/frmlogin.h"
+#include "client/login/frmlogin.h"
 
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"

@@ -1,6 +1,6 @@
-#include "client/options/basregistry.h"
+#include "client/settings/basregistry.h"
 
-#include "client/session/blanks.h"
+#include "client/text/blanks.h"
 #include <cmath>
 #include <limits>
 #include <optional>

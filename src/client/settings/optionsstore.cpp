@@ -1,8 +1,8 @@
-#include "client/options/optionsstore.h"
+#include "client/settings/optionsstore.h"
 
-#include "client/options/options.h"
-#include "client/options/settingsfile.h"
 #include "client/platform/dialogs.h"
+#include "client/settings/options.h"
+#include "client/settings/settingsfile.h"
 
 namespace client {
 
