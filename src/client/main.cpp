@@ -11,6 +11,7 @@
 #include "client/session/clock.h"
 #include "client/session/lobbyaddress.h"
 #include "client/session/tickcount.h"
+#include "client/update/updatecopy.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -31,6 +32,12 @@ int main(int argc, char *argv[])
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
         std::printf("quorvel " QUORVEL_CLIENT_VERSION "\n");
         return 0;
+    }
+    // The updater copy needs no window system either: it may run as root, without the user's
+    // display.
+    if (argc >= 2 && std::strcmp(argv[1], kUpdateCopyCommand) == 0) {
+        QCoreApplication app(argc, argv);
+        return runUpdateCopy(QCoreApplication::arguments().mid(2));
     }
 
     QApplication app(argc, argv);
