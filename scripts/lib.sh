@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Shared by the scripts that run this build's programs; source it from the source folder.
 
 # begin_run NAME: a new run folder (run_dir) for NAME's logs and data, and an empty pids array
@@ -28,7 +29,8 @@ start_xvfb() {
     pids+=($!)
     for _ in $(seq 100); do
         if [[ -s $display_file ]]; then
-            export DISPLAY=":$(head -1 "$display_file")"
+            DISPLAY=":$(head -1 "$display_file")"
+            export DISPLAY
             return 0
         fi
         sleep 0.1
@@ -120,6 +122,7 @@ window_at() {
         sleep 0.1
     done
     eval "$(xdotool getwindowgeometry --shell "$id")"
+    # shellcheck disable=SC2034 # read by the callers
     x=$X y=$Y
 }
 
