@@ -28,28 +28,14 @@ bash scripts/setup.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build -j "$(nproc)" --target quorvel quorvel-server fakegame
 
-run_dir=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-run.XXXXXX")
-pids=()
-cleanup() {
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-}
-trap cleanup EXIT INT TERM
-
+begin_run run
 start_lobby "$run_dir"
-port=$lobby_port
 echo "lobby server on 127.0.0.1:$port, web pages on http://127.0.0.1:$web_port/ (log: $run_dir/server.log)"
 
-# A client with saved credentials and "Auto login" ticked.
+# A client logged in automatically, with the stand-in game.
 start_client() {
     local name=$1 home="$run_dir/$1"
-    mkdir -p "$home/data/Quorvel" "$home/config" "$home/RogueSpear"
-    printf '%s\r\n%s\r\n' "$name" "secret-$name" >"$home/data/Quorvel/user.txt"
-    # Autostart, auto login, sounds, stats-reset key, its key code, Rogue Spear and Black Ops
-    # folders.
-    printf '0\r\n1\r\n0\r\n0\r\n0\r\n%s\r\n\r\n' "$home/RogueSpear" \
-        >"$home/data/Quorvel/settingRS.txt"
+    mkdir -p "$home/RogueSpear" "$home/wine"
     # The stand-in game, started by the client when the player hosts or joins a game; it plays
     # rounds of a minute and writes a results log after each, which the client uploads. The
     # game knows the player by his lobby name (from the Wine prefix's registry). It runs under
@@ -59,13 +45,10 @@ start_client() {
         "$name" \
         >"$home/RogueSpear/roguespear.exe"
     chmod +x "$home/RogueSpear/roguespear.exe"
-    mkdir -p "$home/wine"
     printf 'WINE REGISTRY Version 2\n\n[Software\\\\Red Storm Entertainment\\\\Rogue Spear] 0\n"MultiplayerPlayerName"="%s"\n' \
         "$name" >"$home/wine/system.reg"
-    WINEPREFIX="$home/wine" XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
-        build/src/client/quorvel --lobby "127.0.0.1:$port" --web "127.0.0.1:$web_port" \
-        --avatars "http://127.0.0.1:$web_port" >"$home/client.log" 2>&1 &
-    pids+=($!)
+    start_logged_in_client "$run_dir" "$name" --web "127.0.0.1:$web_port" \
+        --avatars "http://127.0.0.1:$web_port"
     echo "client $name started (log: $home/client.log)"
 }
 

@@ -10,23 +10,11 @@ cd "$(dirname "$0")/.."
 source scripts/lib.sh
 out=${1:-docs/players.png}
 count=${2:-600}
-run_dir=$(mktemp -d "${TMPDIR:-/tmp}/quorvel-shot.XXXXXX")
-pids=()
-cleanup() {
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-}
-trap cleanup EXIT
-
-display=:$((90 + RANDOM % 100))
-Xvfb "$display" -screen 0 1000x700x24 >/dev/null 2>&1 &
-pids+=($!)
-export DISPLAY=$display
+begin_run shot
+start_xvfb 1000x700
 
 # The crowd logs in from one address, and its accounts need no costly hashes.
 start_lobby "$run_dir" --hash-cost minimal --max-connections-per-address $((count + 10))
-port=$lobby_port
 
 # The crowd: one process holding every player's connection, reading and dropping what the
 # server sends. Names are made from a clan tag and a word; about six in ten stay in the
@@ -80,16 +68,6 @@ pids+=($!)
 
 start_logged_in_client "$run_dir" Viper
 
-window_at() {
-    local id
-    for _ in $(seq 100); do
-        id=$(xdotool search --name "^$1\$" 2>/dev/null | head -1) && [[ -n $id ]] && break
-        sleep 0.1
-    done
-    eval "$(xdotool getwindowgeometry --shell "$id")"
-    x=$X y=$Y
-}
-
 # Everybody in.
 for _ in $(seq 600); do
     [[ -e $run_dir/crowd.ready ]] && break
@@ -112,6 +90,4 @@ sleep 1
 # Folds the lobby group by a click on its row, the first of the list.
 xdotool mousemove $((x + 820)) $((y + 131)) click 1 mousemove $((x + 400)) $((y + 500))
 sleep 2
-xwd -root -silent | xwdtopnm 2>/dev/null | pnmcut -left "$x" -top "$y" -width 1000 -height 700 |
-    pnmtopng >"$out"
-echo "screenshot written to $out"
+screenshot "$out" "$x" "$y" 1000 700

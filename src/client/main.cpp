@@ -12,6 +12,7 @@
 #include "client/platform/unattendeddialogs.h"
 #include "client/platform/wineconfig.h"
 #include "client/settings/lobbyaddress.h"
+#include "client/update/updatecopy.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -32,6 +33,12 @@ int main(int argc, char *argv[])
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
         std::printf("quorvel " QUORVEL_CLIENT_VERSION "\n");
         return 0;
+    }
+    // The updater copy needs no window system either: it may run as root, without the user's
+    // display.
+    if (argc >= 2 && std::strcmp(argv[1], kUpdateCopyCommand) == 0) {
+        QCoreApplication app(argc, argv);
+        return runUpdateCopy(QCoreApplication::arguments().mid(2));
     }
 
     QApplication app(argc, argv);

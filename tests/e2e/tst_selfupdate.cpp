@@ -1,12 +1,14 @@
 // A client the lobby finds too old updates itself from the lobby's web server, against the
-// real server and with real programs: the installed client starts its updater copy, which
-// replaces it with the published newer build and starts that, which logs in. Downloads that
+// real server and with real programs: the installed client runs its updater copy, which
+// replaces it with the published newer build and ends; the client then starts that, which
+// logs in. Downloads that
 // fail or do not match their checksum leave the installed client in place and running.
 // ctest: timeout=180
 #include "client/app/clientapplication.h"
 #include "client/lobby/credentialsfile.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/session/sessionstate.h"
+#include "client/update/selfupdate.h"
 #include "support/appharness.h"
 #include "support/files.h"
 #include "support/serverprocess.h"
@@ -14,6 +16,7 @@
 #include <QCryptographicHash>
 #include <QScopeGuard>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTest>
 #include <csignal>
 
@@ -39,15 +42,24 @@ void writeUser(const QString &dataFolder, const QString &name, const ServerAddre
     servers.save(dataFolder);
 }
 
-// Ends the programs started from `program` (the new version runs detached from the test).
-void endProgramsOf(const QString &program)
+// The processes running `program`.
+QList<pid_t> programsOf(const QString &program)
 {
+    QList<pid_t> pids;
     for (const QFileInfo &entry : QDir("/proc").entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         bool isPid = false;
         const int pid = entry.fileName().toInt(&isPid);
         if (isPid && QFileInfo(entry.filePath() + "/exe").symLinkTarget() == program)
-            ::kill(pid, SIGTERM);
+            pids << pid_t(pid);
     }
+    return pids;
+}
+
+// Ends the programs started from `program` (the new version runs detached from the test).
+void endProgramsOf(const QString &program)
+{
+    for (const pid_t pid : programsOf(program))
+        ::kill(pid, SIGTERM);
 }
 
 // A lobby that accepts only "V 6.1" and publishes what `publish` holds, and a client installed
@@ -101,8 +113,12 @@ private Q_SLOTS:
         QSignalSpy ended(&ann.app, &ClientApplication::shutDownFinished);
         QVERIFY(ann.app.start());
         QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, 10000);
-        QCOMPARE(ann.dialogs.asked, QStringList{"Have to update Quorvel"});
+        QCOMPARE(ann.dialogs.asked, (QStringList{"Have to update Quorvel", "Update completed"}));
         QVERIFY(!ann.tray.shown);
+        const QString web = lobby.servers().web->toString();
+        QCOMPARE(ann.games.runs,
+                 (QList<QStringList>{{lobby.installed, "update-copy", "--web", web}}));
+        QCOMPARE(ann.games.commandLines, (QList<QStringList>{{lobby.installed, "--unattended"}}));
 
         // The new version logs in where the old one was refused.
         QCoreApplication::setApplicationVersion("6.1");
@@ -116,6 +132,61 @@ private Q_SLOTS:
         QCOMPARE(contents(lobby.installed), contents(kNewerClient));
         QCOMPARE(contents(lobby.dir.filePath("installed/old.tmp")), oldProgram);
         QVERIFY(!QFile::exists(lobby.dir.filePath("installed/quor_vel.tmp")));
+    }
+
+    void elevatedCopyOnlyInstalls_data()
+    {
+        QTest::addColumn<bool>("published");
+        QTest::newRow("installed") << true;
+        QTest::newRow("nothing published") << false;
+    }
+
+    // Where the folder needs administrator rights, the elevated copy installs and ends, whether
+    // it succeeds or not; only the user's own client starts the new version (env stands in for
+    // pkexec, with the same rights).
+    void elevatedCopyOnlyInstalls()
+    {
+        QFETCH(bool, published);
+        Lobby lobby;
+        QVERIFY(lobby.start());
+        if (published)
+            QVERIFY(QFile::copy(kNewerClient, lobby.published));
+        const auto endNewVersion = qScopeGuard([&] { endProgramsOf(lobby.installed); });
+        qputenv("XDG_DATA_HOME", lobby.dir.filePath("xdg").toUtf8());
+        writeUser(lobby.dir.filePath("xdg/Quorvel"), "ann", lobby.servers());
+
+        SessionState session;
+        session.webHost = "127.0.0.1";
+        session.webPort = lobby.server.webPort();
+        FakeDialogs dialogs;
+        QWidget window;
+        GameStarter processes;
+        const QString env = QStandardPaths::findExecutable("env");
+        SelfUpdate update(UpdateFiles{lobby.installed}, Elevation{true, env}, session, dialogs,
+                          window, processes, {"--unattended"});
+        QSignalSpy ended(&update, &SelfUpdate::endRequested);
+        update.updateRequired();
+        QTRY_COMPARE_WITH_TIMEOUT(dialogs.asked.size(), 2, 30000);
+
+        const QString web = lobby.servers().web->toString();
+        QCOMPARE(processes.runs,
+                 (QList<QStringList>{{env, lobby.installed, "update-copy", "--web", web}}));
+        if (published) {
+            QCOMPARE(dialogs.asked[1], "Update completed");
+            QCOMPARE(ended.size(), 1);
+            QCOMPARE(processes.commandLines,
+                     (QList<QStringList>{{lobby.installed, "--unattended"}}));
+            QCOMPARE(contents(lobby.installed), contents(kNewerClient));
+            QCOMPARE(programsOf(lobby.installed).size(), 1);
+        } else {
+            QCOMPARE(dialogs.asked[1], "Something went wrong try later");
+            QCOMPARE(ended.size(), 0);
+            QVERIFY(processes.commandLines.isEmpty());
+            QVERIFY(programsOf(lobby.installed).isEmpty());
+            update.updateRequired();
+            QVERIFY(dialogs.asked.value(2).contains("cannot update itself: the update failed"));
+            QCOMPARE(processes.runs.size(), 1);
+        }
     }
 
     void failedUpdateKeepsThisVersion_data()

@@ -31,6 +31,13 @@ public:
             *pid = started;
         return error;
     }
+    // Runs for real too, recorded in `runs`.
+    void run(const QString &program, const QStringList &arguments, QObject &context,
+             std::function<void(const client::ProcessEnd &)> finished) override
+    {
+        runs << QStringList{program} + arguments;
+        m_real.run(program, arguments, context, std::move(finished));
+    }
     // SIGTERM to each game started and not yet ended.
     void endAll()
     {
@@ -40,6 +47,7 @@ public:
     }
 
     QList<QStringList> commandLines; // each start: the program, then its arguments
+    QList<QStringList> runs;         // each program run to its end, likewise
 
 private:
     client::DetachedProcessStarter m_real;

@@ -315,11 +315,13 @@ void ClientApplication::buildLogin()
 
 void ClientApplication::buildSelfUpdate()
 {
-    m_selfUpdate = new SelfUpdate(UpdateFiles{m_services.applicationFile}, *m_session,
-                                  *m_services.dialogs, *m_form, m_services.updaterOptions, this);
+    const UpdateFiles files{m_services.applicationFile};
+    m_selfUpdate =
+        new SelfUpdate(files, Elevation::forFiles(files), *m_session, *m_services.dialogs, *m_form,
+                       *m_services.processes, m_services.updaterOptions, this);
     connect(m_selfUpdate, &SelfUpdate::statusLine, m_chat, &LobbyChat::addStatusLine);
     connect(m_login, &LoginController::updateRequired, m_selfUpdate, &SelfUpdate::updateRequired);
-    // The updater runs: the program ends at once, without its shut-down.
+    // The new version runs: the program ends at once, without its shut-down.
     connect(m_selfUpdate, &SelfUpdate::endRequested, this, [this] {
         m_tray->removeIcon();
         Q_EMIT shutDownFinished();

@@ -81,7 +81,7 @@ public:
         QString applicationFile;
         // Started with "update": install the published version at start-up.
         bool installUpdate = false;
-        // Options the updater copy and the new version are started with.
+        // Options the new version is started with after an update.
         QStringList updaterOptions;
         // The game's process start, window search, connection table and folder watch; the
         // Linux ones when not given.

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QTimer>
 
 namespace client {
 
@@ -25,14 +26,13 @@ bool DetachedProcessStarter::needsWine(const QString &program)
            !head.startsWith("#!");
 }
 
-QString DetachedProcessStarter::startDetached(const QString &program, const QStringList &arguments,
-                                              qint64 *pid)
+QString DetachedProcessStarter::prepare(QProcess &process, const QString &program,
+                                        const QStringList &arguments) const
 {
     const QFileInfo info(program);
     if (!info.isFile())
         return QStringLiteral("%1 does not exist.").arg(program);
 
-    QProcess process;
     if (needsWine(program)) {
         QStringList wine = QProcess::splitCommand(m_wineCommand);
         if (wine.isEmpty())
@@ -49,12 +49,59 @@ QString DetachedProcessStarter::startDetached(const QString &program, const QStr
         process.setProgram(program);
         process.setArguments(arguments);
     }
+    return {};
+}
+
+QString DetachedProcessStarter::startDetached(const QString &program, const QStringList &arguments,
+                                              qint64 *pid)
+{
+    QProcess process;
+    if (QString error = prepare(process, program, arguments); !error.isEmpty())
+        return error;
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     if (!process.startDetached(pid))
         return QStringLiteral("Could not start %1: %2")
             .arg(process.program(), process.errorString());
     return {};
+}
+
+void DetachedProcessStarter::run(const QString &program, const QStringList &arguments,
+                                 QObject &context, std::function<void(const ProcessEnd &)> finished)
+{
+    auto *process = new QProcess(&context);
+    const QString error = prepare(*process, program, arguments);
+    if (!error.isEmpty()) {
+        // Called from the event loop all the same, as callers expect.
+        QTimer::singleShot(0, process, [process, finished, error] {
+            process->deleteLater();
+            finished(ProcessEnd{-1, {}, error});
+        });
+        return;
+    }
+    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QObject::connect(process, &QProcess::errorOccurred, process,
+                     [process, finished](QProcess::ProcessError failure) {
+                         if (failure != QProcess::FailedToStart)
+                             return; // the other errors end in `finished` too
+                         process->deleteLater();
+                         finished(ProcessEnd{-1,
+                                             {},
+                                             QStringLiteral("Could not start %1: %2")
+                                                 .arg(process->program(), process->errorString())});
+                     });
+    QObject::connect(process, &QProcess::finished, process,
+                     [process, finished](int exitCode, QProcess::ExitStatus status) {
+                         process->deleteLater();
+                         ProcessEnd end{exitCode, process->readAllStandardOutput(), {}};
+                         if (status != QProcess::NormalExit) {
+                             end.exitCode = -1;
+                             end.error =
+                                 QStringLiteral("%1 ended abnormally").arg(process->program());
+                         }
+                         finished(end);
+                     });
+    process->start();
 }
 
 } // namespace client

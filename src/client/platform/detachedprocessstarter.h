@@ -2,9 +2,11 @@
 
 #include "client/platform/processstarter.h"
 
+class QProcess;
+
 namespace client {
 
-// Starts processes with QProcess::startDetached. A Windows program (an ".exe" that is not a
+// Starts processes with QProcess. A Windows program (an ".exe" that is not a
 // native executable) runs through the Wine command, in the Wine prefix the client reads the
 // games' registry from.
 class DetachedProcessStarter final : public ProcessStarter
@@ -18,12 +20,17 @@ public:
 
     QString startDetached(const QString &program, const QStringList &arguments,
                           qint64 *pid = nullptr) override;
+    void run(const QString &program, const QStringList &arguments, QObject &context,
+             std::function<void(const ProcessEnd &)> finished) override;
 
     // Whether the file must run through Wine: its name ends in ".exe" (any case) and it is not
     // a native executable (an ELF binary or a script).
     static bool needsWine(const QString &program);
 
 private:
+    // Sets the process up to run the program, through Wine when it must; why not when it cannot.
+    QString prepare(QProcess &process, const QString &program, const QStringList &arguments) const;
+
     QString m_wineCommand;
     QString m_winePrefix;
 };

@@ -1,21 +1,39 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <functional>
+
+class QObject;
 
 namespace client {
 
-// Starts a program as a process of its own: the client does not wait for it and keeps no
-// handle to it. It inherits the client's working folder.
+// How a program run to its end ended.
+struct ProcessEnd
+{
+    int exitCode = -1;
+    QByteArray output; // what it wrote to standard output
+    QString error;     // why it did not start or did not end normally; empty when it did
+};
+
+// Starts programs as processes of their own. They inherit the client's working folder and
+// environment.
 class ProcessStarter
 {
 public:
     virtual ~ProcessStarter() = default;
 
-    // Empty when the process was started (its id in `pid` when asked); otherwise why not, in
-    // words for the user.
+    // Starts a program the client does not wait for and keeps no handle to. Empty when the
+    // process was started (its id in `pid` when asked); otherwise why not, in words for the user.
     virtual QString startDetached(const QString &program, const QStringList &arguments,
                                   qint64 *pid = nullptr) = 0;
+
+    // Runs a program to its end without blocking: `finished` is called once, from the event
+    // loop, when it has ended or could not start, and never once `context` is destroyed. Its
+    // standard error goes to the client's.
+    virtual void run(const QString &program, const QStringList &arguments, QObject &context,
+                     std::function<void(const ProcessEnd &)> finished) = 0;
 };
 
 } // namespace client

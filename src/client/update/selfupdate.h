@@ -3,35 +3,52 @@
 #include "client/update/updatefiles.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <chrono>
 
+class QProgressBar;
 class QWidget;
 
 namespace client {
 
 class Dialogs;
+class ProcessStarter;
 class SessionState;
+struct ProcessEnd;
 
-// The program's self-update. When the lobby refuses this version ("OV"), it starts a copy of
-// the installed program with "update" (through pkexec when the program's folder is not
-// writable for this user) and asks the program to end; that copy, at start-up, installs the
-// published version and starts it. When no update can run here (no known program file, a
-// folder only root may write without pkexec to ask, or an update of this run that failed
-// already) the user is told why and what to do instead, and the program goes on offline.
+// What gives the updater copy the right to replace the program: nothing when this user may
+// write the program's folder, otherwise pkexec (`command` empty when it is not installed).
+struct Elevation
+{
+    bool needed = false;
+    QString command;
+
+    static Elevation forFiles(const UpdateFiles &files);
+};
+
+// The program's self-update. When the lobby refuses this version ("OV"), it runs the updater
+// copy of the installed program (through the elevation when there is one) and waits for it;
+// when the copy has installed the new version, this program starts it, as this user and with
+// this session's environment, and asks to end. When the copy fails, or no update can run here
+// (no known program file, a folder only root may write without pkexec to ask, or an update of
+// this run that failed already), the user is told why and what to do instead, and the program
+// goes on offline.
 class SelfUpdate : public QObject
 {
     Q_OBJECT
 
 public:
-    // `updaterOptions` are passed on to the updater copy and from it to the new version.
-    // `window` shows the download's progress.
-    SelfUpdate(UpdateFiles files, SessionState &session, Dialogs &dialogs, QWidget &window,
-               QStringList updaterOptions, QObject *parent = nullptr);
+    // `updaterOptions` are passed on to the new version. `window` shows the download's
+    // progress.
+    SelfUpdate(UpdateFiles files, Elevation elevation, SessionState &session, Dialogs &dialogs,
+               QWidget &window, ProcessStarter &processes, QStringList updaterOptions,
+               QObject *parent = nullptr);
 
-    // Whether this user may install an update (start-up with "update").
+    // Whether this user may install an update in this process (start-up with "update").
     bool mayInstall() const;
-    // The installation. True when the new version runs and this program must end.
+    // The installation in this process. True when the new version runs and this program must
+    // end.
     bool install(std::chrono::milliseconds downloadTimeout = std::chrono::milliseconds(30000));
 
     // The lobby refused this version.
@@ -39,7 +56,7 @@ public:
 
 Q_SIGNALS:
     void statusLine(const QString &text);
-    // The updater runs: end at once.
+    // The new version runs: end at once.
     void endRequested();
 
 private:
@@ -47,13 +64,23 @@ private:
     QString blocker() const;
     QUrl downloadUrl() const;
     void tellNoUpdate(const QString &reason);
+    void copyFinished(const ProcessEnd &end);
+    // Tells the user the new version is in place and starts it; false (after telling why)
+    // when it does not start.
+    bool startNewVersion();
+    void fail(const QString &reason, const QString &message);
+    // Below the chat input, across the window, while the download runs.
+    QProgressBar *showProgressBar();
 
     UpdateFiles m_files;
+    Elevation m_elevation;
     SessionState &m_session;
     Dialogs &m_dialogs;
     QWidget &m_window;
+    ProcessStarter &m_processes;
     QStringList m_updaterOptions;
     QString m_failure;
+    QPointer<QProgressBar> m_copyProgress; // set while the updater copy runs
 };
 
 } // namespace client

@@ -1,9 +1,7 @@
 #include "client/update/updateinstaller.h"
 
-#include "client/platform/dialogs.h"
 #include "client/platform/filedownload.h"
 #include "client/update/checksum.h"
-#include "client/update/programstart.h"
 
 #include <QFile>
 #include <QProcess>
@@ -14,9 +12,6 @@ namespace client {
 
 namespace {
 
-const QString kKeptMessage = QStringLiteral("The update was not installed: %1. This version "
-                                            "stays installed.");
-
 std::filesystem::path fsPath(const QString &path)
 {
     return std::filesystem::path(path.toStdString());
@@ -24,29 +19,23 @@ std::filesystem::path fsPath(const QString &path)
 
 } // namespace
 
-UpdateInstaller::UpdateInstaller(UpdateFiles files, QUrl url, Dialogs &dialogs,
-                                 QStringList restartArguments,
+UpdateInstaller::UpdateInstaller(UpdateFiles files, QUrl url,
                                  std::chrono::milliseconds downloadTimeout, QObject *parent)
-    : QObject(parent), m_files(std::move(files)), m_url(std::move(url)), m_dialogs(dialogs),
-      m_restartArguments(std::move(restartArguments)), m_timeout(downloadTimeout)
+    : QObject(parent), m_files(std::move(files)), m_url(std::move(url)), m_timeout(downloadTimeout)
 {
+}
+
+QString UpdateInstaller::keptMessage(const QString &reason)
+{
+    return QStringLiteral("The update was not installed: %1. This version stays installed.")
+        .arg(reason);
 }
 
 bool UpdateInstaller::install()
 {
     m_failure.clear();
-    Q_EMIT statusLine(QStringLiteral("Downloading new version of quorvel..."));
-    if (!download() || !verify() || !swap())
-        return false;
-
-    m_dialogs.messageBox(QStringLiteral("Done"), QStringLiteral("Update completed"));
-    if (startProgramAsUser(m_files.executable, m_restartArguments))
-        return true;
-    // The old program goes back in place rather than leaving one that cannot start.
-    std::error_code error;
-    std::filesystem::rename(fsPath(m_files.previous()), fsPath(m_files.executable), error);
-    return fail(QStringLiteral("the new version could not be started"),
-                kKeptMessage.arg(QStringLiteral("the new version could not be started")));
+    m_failureMessage.clear();
+    return download() && verify() && swap();
 }
 
 bool UpdateInstaller::download()
@@ -61,7 +50,7 @@ bool UpdateInstaller::download()
         QFile::remove(m_files.download());
         return fail(
             QStringLiteral("its checksum could not be fetched (%1)").arg(checksum.errorString()),
-            kKeptMessage.arg(QStringLiteral("its checksum could not be fetched")));
+            keptMessage(QStringLiteral("its checksum could not be fetched")));
     }
     return true;
 }
@@ -78,7 +67,7 @@ bool UpdateInstaller::verify()
     if (!expected || !actual || *expected != *actual) {
         QFile::remove(m_files.download());
         const QString reason = QStringLiteral("the download does not match its published checksum");
-        return fail(reason, kKeptMessage.arg(reason));
+        return fail(reason, keptMessage(reason));
     }
 
     // The checksum proves the file is what was published; this proves it runs here.
@@ -93,7 +82,7 @@ bool UpdateInstaller::verify()
         check.waitForFinished(1000);
         QFile::remove(m_files.download());
         const QString reason = QStringLiteral("the downloaded program does not run here");
-        return fail(reason, kKeptMessage.arg(reason));
+        return fail(reason, keptMessage(reason));
     }
     return true;
 }
@@ -116,7 +105,7 @@ bool UpdateInstaller::swap()
         const QString reason =
             QStringLiteral("%1 could not be replaced (%2)")
                 .arg(m_files.executable, QString::fromLocal8Bit(error.message().c_str()));
-        return fail(reason, kKeptMessage.arg(reason));
+        return fail(reason, keptMessage(reason));
     }
     return true;
 }
@@ -124,8 +113,7 @@ bool UpdateInstaller::swap()
 bool UpdateInstaller::fail(const QString &reason, const QString &message)
 {
     m_failure = reason;
-    Q_EMIT statusLine(QStringLiteral("Update failed: %1").arg(reason));
-    m_dialogs.messageBox(applicationTitle(), message, Dialogs::Buttons::Ok, Dialogs::Icon::Warning);
+    m_failureMessage = message;
     return false;
 }
 

@@ -9,13 +9,11 @@
 
 namespace client {
 
-class Dialogs;
-
-// Installs a new version of the program over the installed one, in the copy started with
-// "update": downloads it beside the program, checks it against the published SHA-256 and that
-// it runs, keeps the installed program as "old.tmp", renames the download over the program in
-// one step and starts the new version. Whatever fails leaves the installed program as it was,
-// and the user is told why.
+// Installs a new version of the program over the installed one: downloads it beside the
+// program, checks it against the published SHA-256 and that it runs, keeps the installed
+// program as "old.tmp" and renames the download over the program in one step. It starts
+// nothing: whoever runs it starts the new version. Whatever fails leaves the installed program
+// as it was.
 class UpdateInstaller : public QObject
 {
     Q_OBJECT
@@ -23,18 +21,21 @@ class UpdateInstaller : public QObject
 public:
     static constexpr std::chrono::milliseconds kDownloadTimeout{30000};
 
-    // `restartArguments` are given to the new version when it is started.
-    UpdateInstaller(UpdateFiles files, QUrl url, Dialogs &dialogs, QStringList restartArguments,
+    UpdateInstaller(UpdateFiles files, QUrl url,
                     std::chrono::milliseconds downloadTimeout = kDownloadTimeout,
                     QObject *parent = nullptr);
 
     // Runs the installation to its end (the event loop runs meanwhile). True when the new
-    // version was installed and started: this program must end. Otherwise `failure()` says why.
+    // version is installed. Otherwise `failure()` says why and `failureMessage()` is the text
+    // that tells the user.
     bool install();
     QString failure() const { return m_failure; }
+    QString failureMessage() const { return m_failureMessage; }
+
+    // The text that tells the user an update was not installed for `reason`.
+    static QString keptMessage(const QString &reason);
 
 Q_SIGNALS:
-    void statusLine(const QString &text);
     void progress(qint64 received, qint64 total);
 
 private:
@@ -45,10 +46,9 @@ private:
 
     UpdateFiles m_files;
     QUrl m_url;
-    Dialogs &m_dialogs;
-    QStringList m_restartArguments;
     std::chrono::milliseconds m_timeout;
     QString m_failure;
+    QString m_failureMessage;
 };
 
 } // namespace client
