@@ -1,7 +1,7 @@
 // Getting into the lobby: version check, login, open registration, second logins, the welcome
 // sequence, the time limits and the slow-down of repeated failures.
 #include "lobbytest.h"
-#include "server/loginthrottle.h"
+#include "server/lobby/loginthrottle.h"
 
 #include <QElapsedTimer>
 
