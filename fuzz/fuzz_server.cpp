@@ -68,10 +68,10 @@ void decodeAll(QByteArrayView bytes)
             const Message message{frame->code, *fields};
             decodeAs<ChatLineToServer, ChatLineToClient, PrivateMessageToServer,
                      PrivateMessageToClient, Version, Login, LoginAccepted, AddPlayer, RemovePlayer,
-                     PlayerStatusToServer, PlayerStatusToClient, BuddyChange, AddRoomToServer,
-                     AddRoomToClient, RemoveRoomToClient, RoomCount, LockRoomToServer,
-                     LockRoomToClient, JoinRoom, MemberJoined, MemberLeft, RoomChat,
-                     MemberReadyToServer, MemberReadyToClient, RoomStatusToServer,
+                     PlayerStatusToServer, PlayerStatusToClient, BuddyAdd, BuddyRemove,
+                     AddRoomToServer, AddRoomToClient, RemoveRoomToClient, RoomCount,
+                     LockRoomToServer, LockRoomToClient, JoinRoom, MemberJoined, MemberLeft,
+                     RoomChat, MemberReadyToServer, MemberReadyToClient, RoomStatusToServer,
                      RoomStatusToClient, StatsUpload, SendLogin, LoginFailed, OldVersion, KeepAlive,
                      RemoveRoomToServer, LeaveRoom, WrongPassword, StatsReset>(message);
         }
