@@ -32,8 +32,7 @@ if [[ ${1:-} != "--quick" ]]; then
     echo "== Fuzz the receive loop (libFuzzer, 30 s)"
     cmake -S . -B build-fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DQUORVEL_FUZZ=ON -DQUORVEL_TESTS=OFF -DQUORVEL_BENCH=OFF
-    cmake --build build-fuzz -j "$jobs" --target fuzz_dispatch fuzz_server
-    mkdir -p build-fuzz/corpus build-fuzz/corpus-server
+    cmake --build build-fuzz -j "$jobs" --target fuzz_dispatch
+    mkdir -p build-fuzz/corpus
     build-fuzz/fuzz/fuzz_dispatch -max_total_time=30 -max_len=4096 build-fuzz/corpus
-    build-fuzz/fuzz/fuzz_server -max_total_time=30 -max_len=4096 build-fuzz/corpus-server
 fi
