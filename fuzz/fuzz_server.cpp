@@ -2,10 +2,11 @@
 // message decoder on the messages those bytes hold.
 //
 // The input is cut at each 0xFF into the streams of up to three clients. Each client is a real
-// session of a real LobbyServer (one socket pair per client, no network), greeted and logged in
-// before its stream arrives, so the stream reaches every handler through the real dispatch.
-// The store is a fresh database in memory (/dev/shm) per process. Nothing may crash, and the
-// server must end every session once its client has gone.
+// loopback TCP connection to a real LobbyServer listening on 127.0.0.1, greeted and logged in
+// before its stream arrives, so the stream goes through the connection's framing and reaches
+// every handler through the real dispatch. The store is a fresh database in memory (/dev/shm)
+// per process. Nothing may crash, and the server must end and delete every session once its
+// client has gone.
 #include "protocol/chat.h"
 #include "protocol/framebuffer.h"
 #include "protocol/login.h"
@@ -15,6 +16,7 @@
 #include "server/core/clock.h"
 #include "server/lobby/lobbyserver.h"
 #include "server/lobby/statshandler.h"
+#include "server/net/session.h"
 #include "server/store/accountstore.h"
 #include "server/store/buddystore.h"
 #include "server/store/database.h"
@@ -23,13 +25,16 @@
 #include "server/store/statsstore.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
-#include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <arpa/inet.h>
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -91,6 +96,8 @@ struct Lobby
         config.openRegistration = true;
         server = std::make_unique<server::LobbyServer>(config, accounts, buddies, diagnostics,
                                                        passwords, clock);
+        if (!server->listen(QHostAddress::LocalHost, 0))
+            std::abort();
         statsHandler = std::make_unique<server::StatsHandler>(stats, server->limits());
         statsHandler->registerWith(server->router());
     }
@@ -117,12 +124,39 @@ Lobby &lobby()
     return lobby;
 }
 
-// Runs the event loop until `done` or about two seconds have passed.
+// Runs the event loop, deferred deletions included, until `done` or two seconds have passed.
+// Password checks answer from other threads, so it sleeps between looks rather than spinning;
+// the timer wakes it in time for the deadline.
 template <typename F> bool runUntil(F done)
 {
-    for (int i = 0; i < 400 && !done(); ++i)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    const QDeadlineTimer deadline(2000);
+    QTimer wake;
+    wake.start(2);
+    while (!done() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
     return done();
+}
+
+// A client's end of a loopback connection to the lobby, non-blocking once connected. The
+// kernel completes the handshake itself; the server accepts it from its event loop later.
+int connectTo(quint16 port)
+{
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (fd < 0 || ::connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
+        std::abort();
+    ::fcntl(fd, F_SETFL, O_NONBLOCK);
+    return fd;
+}
+
+bool sessionsGone(const server::LobbyServer &server)
+{
+    return server.findChildren<server::Session *>(Qt::FindDirectChildrenOnly).isEmpty();
 }
 
 void drain(int fd)
@@ -163,18 +197,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
     QList<int> clients;
     for (qsizetype i = 0; i < streams.size(); ++i) {
-        int fds[2];
-        if (::socketpair(AF_UNIX, SOCK_STREAM, 0, fds) != 0)
-            std::abort();
-        ::fcntl(fds[1], F_SETFL, O_NONBLOCK);
-        auto *socket = new QTcpSocket;
-        if (!socket->setSocketDescriptor(fds[0]))
-            std::abort();
-        l.server->accept(socket);
-        clients.append(fds[1]);
+        const int fd = connectTo(l.server->serverPort());
+        clients.append(fd);
         const QString name = QStringLiteral("P%1").arg(i);
-        writeAll(fds[1], buildMessage(Code::Version, {QStringLiteral("V 6.0")}) +
-                             buildMessage(Code::Login, {name, QStringLiteral("pw")}));
+        writeAll(fd, buildMessage(Code::Version, {QStringLiteral("V 6.0")}) +
+                         buildMessage(Code::Login, {name, QStringLiteral("pw")}));
     }
     if (!runUntil([&] { return l.server->lobby().size() == streams.size(); }))
         std::abort();
@@ -190,7 +217,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     }
     for (const int fd : clients)
         ::close(fd);
-    if (!runUntil([&] { return l.server->lobby().size() == 0; }))
+    if (!runUntil([&] { return l.server->lobby().size() == 0 && sessionsGone(*l.server); }))
         std::abort();
     return 0;
 }

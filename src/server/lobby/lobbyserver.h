@@ -45,10 +45,6 @@ public:
     QString errorString() const { return m_server.errorString(); }
     quint16 serverPort() const { return m_server.serverPort(); }
 
-    // Serves a connected socket as one accepted on the port (the fuzz target's socket pairs).
-    // Takes ownership of it.
-    void accept(QTcpSocket *socket);
-
     const Lobby &lobby() const { return m_lobby; }
     const RoomRegistry &rooms() const { return m_rooms; }
     MessageRouter &router() { return m_router; }
@@ -57,6 +53,8 @@ public:
 
 private:
     void acceptConnections();
+    // Serves a socket accepted on the port; takes ownership of it.
+    void accept(QTcpSocket *socket);
     // False (and logged) when the caps on connections per address or overall are reached.
     bool mayConnect(const QString &address);
     void dispatch(Session &session, const protocol::Message &message);
