@@ -6,12 +6,12 @@
 //   BM_Leaderboard            the leaderboard's query alone, from the running totals
 //   BM_LeaderboardByScan      the same ranking summed from the uploads: the baseline
 // Options before the benchmark's own: --players=N (10000), --rounds=N (10000).
-#include "server/accountstore.h"
-#include "server/database.h"
-#include "server/lobby.h"
-#include "server/roomregistry.h"
-#include "server/statspages.h"
-#include "server/statsstore.h"
+#include "server/lobby/lobby.h"
+#include "server/lobby/roomregistry.h"
+#include "server/store/accountstore.h"
+#include "server/store/database.h"
+#include "server/store/statsstore.h"
+#include "server/web/statspages.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -29,10 +29,11 @@ if [[ ${1:-} != "--quick" ]]; then
     export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
     run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DQUORVEL_SANITIZE=ON -DQUORVEL_BENCH=OFF
 
-    echo "== Fuzz the receive loop (libFuzzer, 30 s)"
+    echo "== Fuzz the client's and the server's receive paths (libFuzzer, 30 s each)"
     cmake -S . -B build-fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DQUORVEL_FUZZ=ON -DQUORVEL_TESTS=OFF -DQUORVEL_BENCH=OFF
-    cmake --build build-fuzz -j "$jobs" --target fuzz_dispatch
-    mkdir -p build-fuzz/corpus
+    cmake --build build-fuzz -j "$jobs" --target fuzz_dispatch fuzz_server
+    mkdir -p build-fuzz/corpus build-fuzz/corpus-server
     build-fuzz/fuzz/fuzz_dispatch -max_total_time=30 -max_len=4096 build-fuzz/corpus
+    build-fuzz/fuzz/fuzz_server -max_total_time=30 -max_len=4096 build-fuzz/corpus-server
 fi

@@ -3,7 +3,7 @@
 // nothing malformed and keeps what it acknowledged. (Messages that do not decode are the
 // presence and room tests'; stray bytes the frame buffer's.)
 #include "lobbytest.h"
-#include "server/connection.h"
+#include "server/net/connection.h"
 
 #include <QRandomGenerator>
 

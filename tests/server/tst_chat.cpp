@@ -1,7 +1,7 @@
 // Lobby chat and private messages: who receives what, the cleaning of relayed text, the
 // shared rate limit and the service account's diagnostics.
 #include "lobbytest.h"
-#include "server/ratelimiter.h"
+#include "server/core/ratelimiter.h"
 
 class TestChat : public QObject
 {

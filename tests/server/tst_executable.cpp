@@ -2,7 +2,7 @@
 // clear messages and non-zero exits, the account commands working on the database file, and
 // what the lobby acknowledged surviving a kill.
 #include "lobbytest.h"
-#include "server/serveroptions.h"
+#include "server/admin/serveroptions.h"
 
 #include <QSqlQuery>
 #include <QTcpServer>

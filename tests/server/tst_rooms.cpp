@@ -2,6 +2,7 @@
 // closing, and what happens when a host or a member goes away. Messages from players who
 // may not send them change nothing.
 #include "lobbytest.h"
+#include "server/lobby/accountlimits.h"
 
 class TestRooms : public QObject
 {
@@ -117,6 +118,62 @@ private Q_SLOTS:
             QVERIFY(m_lobby->sync(c));
         for (TestClient *c : {m_hana, m_mia, m_otto})
             QVERIFY(c->pending().isEmpty());
+    }
+
+    // Past the limit on room changes, closing one's room and leaving one still happen: the
+    // player's client has already let go of the room, and a dropped message would leave the
+    // server holding him there, ignoring every later create or join.
+    void leavingIsNeverLimited_data()
+    {
+        QTest::addColumn<bool>("asHost");
+        QTest::newRow("host closes") << true;
+        QTest::newRow("member leaves") << false;
+    }
+
+    void leavingIsNeverLimited()
+    {
+        QFETCH(bool, asHost);
+        const int changes = server::AccountLimits::kRoomChanges.events;
+        m_hana->send(Code::AddRoom, {"Hana's room"});
+        // Mia spends her room changes on a room of her own, up to the one that brings her
+        // into her room or Hana's.
+        m_mia->send(Code::AddRoom, {"Mia's room"});
+        for (int i = 0; i < changes - (asHost ? 1 : 3); ++i)
+            m_mia->send(Code::RoomStatus, {i % 2 ? "In chat" : "In game"});
+        if (!asHost) {
+            m_mia->send(Code::RemoveRoom);
+            m_mia->send(Code::JoinRoom, {"Hana", QString()});
+        }
+        m_mia->send(asHost ? Code::RemoveRoom : Code::LeaveRoom);
+        m_mia->send(Code::ChatLine, {"done"});
+        QVERIFY(m_otto->takeChatLine("done"));
+        if (asHost)
+            QVERIFY(m_otto->hasPending(Code::RemoveRoom, "Mia"));
+        else
+            QCOMPARE(fieldsOf(m_hana->takeAll(Code::MemberLeft)), Rows({{"Mia"}}));
+        QVERIFY(!m_lobby->server->rooms().findByHost("Mia"));
+        QCOMPARE(m_lobby->server->rooms().findByHost("Hana")->members.size(), 1);
+    }
+
+    // A burst of ready changes reaches the members as the latest state, and the server keeps
+    // that state for later joiners.
+    void readyChangesAreNeverLost()
+    {
+        QVERIFY(openRoomWithMember());
+        const int sent = 2 * server::AccountLimits::kRoomChat.events + 1;
+        for (int i = 0; i < sent; ++i)
+            m_mia->send(Code::MemberReady, {i % 2 ? "1" : "2"});
+        const auto lastReady = [this] {
+            QString state;
+            for (const Message &m : m_hana->pending())
+                state = m.code == Code::MemberReady ? m.field(1) : state;
+            return state;
+        };
+        QTRY_COMPARE(lastReady(), "2");
+        QCOMPARE_LE(m_hana->takeAll(Code::MemberReady).size(), 2);
+        m_otto->send(Code::JoinRoom, {"Hana", QString()});
+        QCOMPARE(m_otto->fields(Code::MemberJoined, 3),
+                 Rows({{"Hana", "1"}, {"Mia", "2"}, {"Otto", "1"}}));
     }
 
     // A member who goes leaves his room before the lobby hears him go; a host who goes closes

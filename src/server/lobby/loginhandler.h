@@ -1,0 +1,57 @@
+#pragma once
+
+#include "protocol/login.h"
+#include "server/lobby/loginqueue.h"
+
+#include <functional>
+
+namespace server {
+
+struct Account;
+class AccountStore;
+class BuddyStore;
+class Lobby;
+struct LobbyConfig;
+class LoginThrottle;
+class PasswordWorker;
+class RoomRegistry;
+class Session;
+
+// The way into the lobby: the version check ("VE"), the login ("LG") with open registration
+// and the slow-down of repeated failures, and the welcome of an accepted player: "LT", the
+// players, the rooms, then his announcement to everyone else. A second login to the same
+// account ends the older session first, through `endSession`.
+//
+// Password checks wait in a bounded queue that serves addresses in turn; the login deadline
+// does not run while a check waits there. An unknown name is checked against a dummy hash so
+// that it is refused as slowly as a wrong password, and a check whose connection went away
+// still counts as a failure of its address.
+class LoginHandler
+{
+public:
+    LoginHandler(const LobbyConfig &config, Lobby &lobby, const RoomRegistry &rooms,
+                 AccountStore &accounts, BuddyStore &buddies, PasswordWorker &passwords,
+                 LoginThrottle &throttle, std::function<void(Session &)> endSession);
+
+    void handleVersion(Session &session, const protocol::Version &version);
+    void handleLogin(Session &session, const protocol::Login &login);
+
+private:
+    void enqueue(Session &session, const QString &name, const QString &password);
+    void check(Session &session, const QString &name, const QString &password,
+               LoginQueue::Finished finished);
+    void refuse(Session &session);
+    void admit(Session &session, const Account &account);
+
+    const LobbyConfig &m_config;
+    Lobby &m_lobby;
+    const RoomRegistry &m_rooms;
+    AccountStore &m_accounts;
+    BuddyStore &m_buddies;
+    PasswordWorker &m_passwords;
+    LoginThrottle &m_throttle;
+    std::function<void(Session &)> m_endSession;
+    LoginQueue m_queue;
+};
+
+} // namespace server
