@@ -14,6 +14,8 @@
 
 #include <cstdio>
 #include <ctime>
+#include <fcntl.h>
+#include <io.h>
 #include <memory>
 #include <optional>
 
@@ -117,6 +119,9 @@ HWND makeWindow(HINSTANCE instance)
 
 int wmain(int argc, wchar_t *argv[])
 {
+    // Lines end in LF, as the native stand-in's do, for the tests that read them.
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
     std::vector<std::string> arguments;
     for (int i = 1; i < argc; ++i)
         arguments.push_back(toCp1252(argv[i]));
