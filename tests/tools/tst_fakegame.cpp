@@ -90,7 +90,8 @@ private Q_SLOTS:
         for (const QStringList &arguments :
              {QStringList{"-hostname", "x"}, QStringList{"-server", "abc"},
               QStringList{"-server", "0", "-player", "Bob:1"}, QStringList{"-client", "1.2.3.4"},
-              QStringList{"-server", "0", "-round", "0"}}) {
+              QStringList{"-server", "0", "-round", "0"},
+              QStringList{"-server", "0", "-round", "99999999"}}) {
             const ServerProcess::Result result = ServerProcess::run(kFakeGame, arguments);
             QCOMPARE(result.exitCode, 2);
             // (Qt may warn first about the session it runs in.)

@@ -1,5 +1,4 @@
 // ctest: xvfb
-// ctest: lock=gameport
 // ctest: timeout=900
 // The Windows build of the game stand-in under real Wine, as the players' games run: in a
 // fresh prefix of its own, installed below drive_c in a folder whose name has spaces and
@@ -23,7 +22,8 @@ namespace {
 
 const QString kWinGame =
     QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/wingame/RogueSpear.exe");
-constexpr quint16 kGamePort = 2346;
+// Hosting on a port of its own, so that the test can run beside others that use the game's.
+const QStringList kHost{"-server", "0", "-bind", "127.0.0.1"};
 
 // One RogueSpear.exe under wine; killed when it goes if it has not ended.
 class WineGame
@@ -39,18 +39,30 @@ public:
         m_process.kill();
         m_process.waitForFinished(10000);
     }
-    // Whether it wrote that line to standard output within a minute (a cold Wine is slow).
-    bool said(const QByteArray &line)
+    // The first whole line of its output that starts with `start`, waiting up to a minute (a
+    // cold Wine is slow); empty when none came.
+    QByteArray lineStarting(const QByteArray &start)
     {
-        return waitUntil(
-                   [&] {
-                       m_out += m_process.readAllStandardOutput();
-                       return m_out.split('\n').contains(line) ||
-                              m_process.state() == QProcess::NotRunning;
-                   },
-                   60000) &&
-               m_out.split('\n').contains(line);
+        QByteArray found;
+        waitUntil(
+            [&] {
+                m_out += m_process.readAllStandardOutput();
+                QList<QByteArray> lines = m_out.split('\n');
+                lines.removeLast(); // not ended yet
+                for (const QByteArray &line : lines) {
+                    if (line.startsWith(start)) {
+                        found = line;
+                        return true;
+                    }
+                }
+                return m_process.state() == QProcess::NotRunning;
+            },
+            60000);
+        return found;
     }
+    bool said(const QByteArray &line) { return lineStarting(line) == line; }
+    // The port it hosts on, from its "status ADDRESS PORT"; 0 when it does not host.
+    quint16 hostPort() { return lineStarting("status 127.0.0.1 ").split(' ').value(2).toUShort(); }
     QProcess &process() { return m_process; }
     QByteArray output() const { return m_out; }
 
@@ -102,9 +114,9 @@ private Q_SLOTS:
 
         QElapsedTimer made;
         made.start();
+        m_prepared = true;
         QCOMPARE(runWine(QStringLiteral("wineboot"), {QStringLiteral("-i")}, 300000), 0);
         qInfo("Wine prefix made in %.1f s", double(made.elapsed()) / 1000);
-        m_prepared = true;
 
         m_folder = m_temp.filePath(QStringLiteral("prefix/drive_c/Red Storm Games/Rogue Spear"));
         QVERIFY(QDir().mkpath(m_folder));
@@ -132,28 +144,28 @@ private Q_SLOTS:
     void statusReplyMatchesNative()
     {
         QFETCH(QStringList, options);
-        const QStringList arguments = QStringList{"-server", QString::number(kGamePort)} + options;
-        QByteArray native;
-        {
-            ServerProcess game;
-            QVERIFY(game.start(kFakeGame, arguments));
-            native = askStatus(kGamePort, {"\\status\\"});
-        }
-        QVERIFY(native.startsWith("\\gamename\\roguespear\\"));
+        ServerProcess native;
+        QVERIFY(native.start(kFakeGame, kHost + options));
+        QByteArray expected = askStatus(native.port(), {"\\status\\"});
+        QVERIFY(expected.startsWith("\\gamename\\roguespear\\"));
 
-        WineGame game(m_exe, arguments);
-        QVERIFY2(game.said("status 0.0.0.0 2346"), game.output().constData());
+        WineGame game(m_exe, kHost + options);
+        const quint16 port = game.hostPort();
+        QVERIFY2(port != 0, game.output().constData());
+        expected.replace("\\hostport\\" + QByteArray::number(native.port()) + "\\",
+                         "\\hostport\\" + QByteArray::number(port) + "\\");
         // Other datagrams get no answer; the first answer is the status query's.
-        QCOMPARE(askStatus(kGamePort, {"\\info\\", "\\status\\"}), native);
+        QCOMPARE(askStatus(port, {"\\info\\", "\\status\\"}), expected);
     }
 
     // A client connects to a host: each side says so once the connection is up.
     void clientJoinsHost()
     {
-        WineGame host(m_exe, {"-server", QString::number(kGamePort)});
-        QVERIFY2(host.said("status 0.0.0.0 2346"), host.output().constData());
-        WineGame member(m_exe, {"-client", "127.0.0.1", QString::number(kGamePort)});
-        QVERIFY2(member.said("joined 127.0.0.1 2346"), member.output().constData());
+        WineGame host(m_exe, kHost);
+        const QByteArray port = QByteArray::number(host.hostPort());
+        QVERIFY2(port != "0", host.output().constData());
+        WineGame member(m_exe, {"-client", "127.0.0.1", QString::fromLatin1(port)});
+        QVERIFY2(member.said("joined 127.0.0.1 " + port), member.output().constData());
         QVERIFY2(host.said("player joined from 127.0.0.1"), host.output().constData());
     }
 
@@ -168,8 +180,8 @@ private Q_SLOTS:
         ServerProcess native;
         QVERIFY(native.start(nativeFolder.filePath("roguespear.exe"),
                              QStringList{"-server", "0", "-bind", "127.0.0.1"} + arguments));
-        WineGame game(m_exe, QStringList{"-server", QString::number(kGamePort)} + arguments);
-        QVERIFY2(game.said("status 0.0.0.0 2346"), game.output().constData());
+        WineGame game(m_exe, kHost + arguments);
+        QVERIFY2(game.hostPort() != 0, game.output().constData());
 
         QFile nativeLog(nativeFolder.filePath("RSResults1.log"));
         QFile log(m_folder + "/RSResults1.log");
@@ -205,8 +217,8 @@ private Q_SLOTS:
         QFETCH(QByteArray, key);
         QFETCH(QByteArray, value);
         {
-            WineGame game(m_exe, QStringList{"-server", QString::number(kGamePort)} + options);
-            QVERIFY2(game.said("status 0.0.0.0 2346"), game.output().constData());
+            WineGame game(m_exe, kHost + options);
+            QVERIFY2(game.hostPort() != 0, game.output().constData());
             QCOMPARE(runWine("wine", {"taskkill", "/im", "RogueSpear.exe"}), 0);
             QVERIFY(game.process().waitForFinished(60000));
             QCOMPARE(game.process().exitStatus(), QProcess::NormalExit);

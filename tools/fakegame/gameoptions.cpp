@@ -106,7 +106,8 @@ std::string apply(GameOptions &options, Option option, const std::string &value,
         break;
     case Option::Round: {
         const std::optional<int> seconds = parseInt(value);
-        if (!seconds || *seconds <= 0)
+        // Up to a day, which a timer in milliseconds still holds.
+        if (!seconds || *seconds <= 0 || *seconds > 24 * 60 * 60)
             return "bad round length: " + value;
         options.roundSeconds = *seconds;
         break;
