@@ -9,6 +9,7 @@ packages=(
     libgtest-dev libbenchmark-dev xvfb xauth xdotool x11-utils x11-apps netpbm
     clang libclang-rt-14-dev
     dpkg-dev lintian desktop-file-utils appstream
+    wine wine64 g++-mingw-w64-x86-64
 )
 
 missing=()

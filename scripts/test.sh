@@ -9,6 +9,30 @@ cd "$(dirname "$0")/.."
 
 bash scripts/setup.sh
 
+# Every process this run starts inherits this mark, so that what is still running at the end
+# can be told from other people's processes on the same machine.
+export QUORVEL_TEST_RUN="$$.$(date +%s%N)"
+
+# The processes that carry the mark, other than this script and the subshell asking; wine's
+# server and a stopping X server get a few seconds to go.
+leftovers() {
+    local found=() tries pid environ
+    for ((tries = 0; tries < 10; ++tries)); do
+        found=()
+        for environ in /proc/[0-9]*/environ; do
+            pid=${environ#/proc/}
+            pid=${pid%/environ}
+            [[ $pid == "$$" || $pid == "$BASHPID" ]] && continue
+            if grep -qzx "QUORVEL_TEST_RUN=$QUORVEL_TEST_RUN" "$environ" 2>/dev/null; then
+                found+=("$pid $(tr '\0' ' ' <"/proc/$pid/cmdline" 2>/dev/null)")
+            fi
+        done
+        ((${#found[@]} == 0)) && return 0
+        sleep 0.5
+    done
+    printf '%s\n' "${found[@]}"
+}
+
 jobs=$(nproc)
 run_suite() {
     local dir=$1
@@ -37,3 +61,12 @@ if [[ ${1:-} != "--quick" ]]; then
     build-fuzz/fuzz/fuzz_dispatch -max_total_time=30 -max_len=4096 build-fuzz/corpus
     build-fuzz/fuzz/fuzz_server -max_total_time=30 -max_len=4096 build-fuzz/corpus-server
 fi
+
+echo "== Processes left behind"
+left=$(leftovers)
+if [[ -n $left ]]; then
+    echo "Still running after the tests:"
+    echo "$left"
+    exit 1
+fi
+echo "none"

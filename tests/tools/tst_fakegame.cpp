@@ -1,24 +1,9 @@
+#include "statusquery.h"
 #include "support/serverprocess.h"
 
 #include <QFile>
-#include <QNetworkDatagram>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QUdpSocket>
-
-namespace {
-
-// Sends the datagrams from one socket and returns the first answer, or nothing within 2 s.
-QByteArray ask(quint16 port, const QList<QByteArray> &requests)
-{
-    QUdpSocket socket;
-    socket.bind(QHostAddress::LocalHost, 0);
-    for (const QByteArray &request : requests)
-        socket.writeDatagram(request, QHostAddress::LocalHost, port);
-    return socket.waitForReadyRead(2000) ? socket.receiveDatagram().data() : QByteArray();
-}
-
-} // namespace
 
 class TestFakeGame : public QObject
 {
@@ -61,7 +46,7 @@ private Q_SLOTS:
         QVERIFY(
             game.start(kFakeGame, QStringList{"-server", "0", "-bind", "127.0.0.1"} + arguments));
         // An answer to the other query would come first.
-        const QByteArray reply = ask(game.port(), {"\\info\\", "\\status\\"});
+        const QByteArray reply = askStatus(game.port(), {"\\info\\", "\\status\\"});
         QVERIFY2(reply.startsWith("\\gamename\\roguespear\\gamever\\"), reply.constData());
         qsizetype from = 0;
         for (const QByteArray &part : order.split('|')) {
@@ -71,7 +56,7 @@ private Q_SLOTS:
         }
         QVERIFY2(reply.endsWith("\\queryid\\1.1") && !reply.contains(lacks), reply.constData());
         QVERIFY(reply.contains("\\hostport\\" + QByteArray::number(game.port()) + "\\"));
-        QVERIFY(ask(game.port(), {"\\status\\"}).endsWith("\\queryid\\2.1"));
+        QVERIFY(askStatus(game.port(), {"\\status\\"}).endsWith("\\queryid\\2.1"));
     }
 
     // After each round the game in its folder writes RSResults<round>.log: a header of seven
@@ -105,7 +90,8 @@ private Q_SLOTS:
         for (const QStringList &arguments :
              {QStringList{"-hostname", "x"}, QStringList{"-server", "abc"},
               QStringList{"-server", "0", "-player", "Bob:1"}, QStringList{"-client", "1.2.3.4"},
-              QStringList{"-server", "0", "-round", "0"}}) {
+              QStringList{"-server", "0", "-round", "0"},
+              QStringList{"-server", "0", "-round", "99999999"}}) {
             const ServerProcess::Result result = ServerProcess::run(kFakeGame, arguments);
             QCOMPARE(result.exitCode, 2);
             // (Qt may warn first about the session it runs in.)

@@ -3,13 +3,15 @@
 // "-server PORT" it hosts a game: listens on TCP PORT and answers the UDP status query there
 // with a reply built from its options. With "-client ADDRESS PORT" it joins the game at that
 // address. With "-round SECONDS" it writes a results log into its folder after each round.
-// It ends when its window is closed or on SIGTERM.
+// It ends when its window is closed or on SIGTERM. The command line and what the game says
+// are shared with the Windows build in win/, which also keeps the player's name in the
+// registry.
 
+#include "gameoptions.h"
+#include "protocol/cp1252.h"
 #include "resultslog.h"
-#include "serverinfo.h"
 #include "statusresponder.h"
 
-#include <QCommandLineParser>
 #include <QDir>
 #include <QGuiApplication>
 #include <QPainter>
@@ -19,15 +21,9 @@
 #include <QTcpSocket>
 #include <QTextStream>
 #include <QTimer>
+#include <ctime>
 
 namespace {
-
-QCommandLineOption option(const char *name, const char *help, const char *valueName = nullptr)
-{
-    return valueName ? QCommandLineOption(QLatin1String(name), QLatin1String(help),
-                                          QLatin1String(valueName))
-                     : QCommandLineOption(QLatin1String(name), QLatin1String(help));
-}
 
 int fail(const QString &message)
 {
@@ -47,9 +43,10 @@ protected:
 bool writeResultsLog(const ServerInfo &info, int round)
 {
     QSaveFile file(QDir(QCoreApplication::applicationDirPath())
-                       .filePath(QStringLiteral("RSResults%1.log").arg(round)));
+                       .filePath(QString::fromStdString(resultsLogName(round))));
+    const std::string log = resultsLog(info, round, std::time(nullptr));
     return file.open(QIODevice::WriteOnly) &&
-           file.write(resultsLog(info, round, QDateTime::currentDateTime())) >= 0 && file.commit();
+           file.write(log.data(), qint64(log.size())) == qint64(log.size()) && file.commit();
 }
 
 } // namespace
@@ -62,80 +59,16 @@ int main(int argc, char *argv[])
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Stands in for the game: its window, its server or client connection, "
-                       "the status query and the results logs."));
-    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addHelpOption();
-    const QCommandLineOption server = option("server", "Host a game on PORT (0: any).", "port");
-    const QCommandLineOption bind = option("bind", "Listen on ADDRESS only.", "address");
-    const QCommandLineOption hostName = option("hostname", "The game's name.", "text");
-    const QCommandLineOption map = option("map", "The map.", "text");
-    const QCommandLineOption gameType = option("gametype", "The game type.", "text");
-    const QCommandLineOption maxPlayers = option("maxplayers", "Player slots.", "n");
-    const QCommandLineOption player =
-        option("player", "A player NAME:TEAM:PING (repeatable).", "player");
-    const QCommandLineOption password = option("password", "The game asks for a password.");
-    const QCommandLineOption locked = option("locked", "The game is locked.");
-    const QCommandLineOption timeLimit = option("timelimit", "Round time limit.", "seconds");
-    const QCommandLineOption noTimeLimit = option("no-timelimit", "Rounds have no time limit.");
-    const QCommandLineOption client =
-        option("client", "Join the game at ADDRESS, on the port that follows.", "address");
-    const QCommandLineOption round =
-        option("round", "Write a results log after each round of SECONDS.", "seconds");
-    const QCommandLineOption windowClass =
-        option("class", "The window's X11 class (default: Rogue Spear).", "name");
-    parser.addOptions({server, bind, hostName, map, gameType, maxPlayers, player, password, locked,
-                       timeLimit, noTimeLimit, client, round, windowClass});
-    parser.process(app);
+    std::vector<std::string> arguments;
+    for (const QString &argument : QCoreApplication::arguments().mid(1))
+        arguments.push_back(protocol::toCp1252(argument).toStdString());
+    std::variant<GameOptions, std::string> parsed = parseGameOptions(arguments);
+    if (const std::string *error = std::get_if<std::string>(&parsed))
+        return fail(protocol::fromCp1252(*error));
+    const GameOptions &options = std::get<GameOptions>(parsed);
+    const ServerInfo &info = options.info;
     // The window's class is the application's name when the window is made.
-    QGuiApplication::setApplicationName(parser.isSet(windowClass) ? parser.value(windowClass)
-                                                                  : QStringLiteral("Rogue Spear"));
-
-    if (parser.isSet(server) == parser.isSet(client))
-        return fail(QStringLiteral("give either -server PORT or -client ADDRESS PORT"));
-    bool ok = false;
-    const QString portText =
-        parser.isSet(server) ? parser.value(server) : parser.positionalArguments().value(0);
-    const uint port = portText.toUInt(&ok);
-    if (!ok || port > 65535)
-        return fail(QStringLiteral("bad port: ") + portText);
-    int roundSeconds = 0;
-    if (parser.isSet(round)) {
-        roundSeconds = parser.value(round).toInt(&ok);
-        if (!ok || roundSeconds <= 0)
-            return fail(QStringLiteral("bad round length: ") + parser.value(round));
-    }
-
-    ServerInfo info;
-    info.hostPort = quint16(port);
-    if (parser.isSet(hostName))
-        info.hostName = parser.value(hostName);
-    if (parser.isSet(map))
-        info.mapName = parser.value(map);
-    if (parser.isSet(gameType))
-        info.gameType = parser.value(gameType);
-    if (parser.isSet(maxPlayers)) {
-        info.maxPlayers = parser.value(maxPlayers).toInt(&ok);
-        if (!ok)
-            return fail(QStringLiteral("bad player slots: ") + parser.value(maxPlayers));
-    }
-    for (const QString &text : parser.values(player)) {
-        const std::optional<ServerInfo::Player> parsed = parsePlayer(text);
-        if (!parsed)
-            return fail(QStringLiteral("bad player (NAME:TEAM:PING): ") + text);
-        info.players.append(*parsed);
-    }
-    info.password = parser.isSet(password);
-    info.locked = parser.isSet(locked);
-    if (parser.isSet(noTimeLimit)) {
-        info.timeLimitSeconds.reset();
-    } else if (parser.isSet(timeLimit)) {
-        info.timeLimitSeconds = parser.value(timeLimit).toInt(&ok);
-        if (!ok)
-            return fail(QStringLiteral("bad time limit: ") + parser.value(timeLimit));
-    }
+    QGuiApplication::setApplicationName(protocol::fromCp1252(options.windowClass));
 
     GameWindow window;
     window.setTitle(QStringLiteral("Rogue Spear"));
@@ -144,22 +77,24 @@ int main(int argc, char *argv[])
 
     QTimer rounds;
     int roundsPlayed = 0;
-    if (roundSeconds > 0) {
+    if (options.roundSeconds > 0) {
         QObject::connect(&rounds, &QTimer::timeout, &app, [&] {
             if (!writeResultsLog(info, ++roundsPlayed))
                 fail(QStringLiteral("cannot write the results log"));
         });
-        rounds.start(roundSeconds * 1000);
+        rounds.start(options.roundSeconds * 1000);
     }
 
     QTcpServer game;
     StatusResponder responder(info);
     QTcpSocket connection;
-    if (parser.isSet(server)) {
+    const quint16 port = options.port;
+    if (options.host) {
         QHostAddress address = QHostAddress::AnyIPv4;
-        if (parser.isSet(bind) && !address.setAddress(parser.value(bind)))
-            return fail(QStringLiteral("bad address: ") + parser.value(bind));
-        if (!game.listen(address, quint16(port)))
+        const QString bind = QString::fromStdString(options.bindAddress);
+        if (!bind.isEmpty() && !address.setAddress(bind))
+            return fail(QStringLiteral("bad address: ") + bind);
+        if (!game.listen(address, port))
             return fail(QStringLiteral("cannot listen on TCP port ") + QString::number(port) +
                         QStringLiteral(": ") + game.errorString());
         // Joining players stay connected until they leave.
@@ -175,7 +110,7 @@ int main(int argc, char *argv[])
         QTextStream(stdout) << "status " << address.toString() << ' ' << responder.port()
                             << Qt::endl;
     } else {
-        const QString host = parser.value(client);
+        const QString host = QString::fromStdString(options.joinAddress);
         QObject::connect(&connection, &QTcpSocket::connected, &app, [&] {
             QTextStream(stdout) << "joined " << host << ' ' << port << Qt::endl;
         });
@@ -183,7 +118,7 @@ int main(int argc, char *argv[])
             QTextStream(stderr) << "fakegame: cannot join " << host << ' ' << port << ": "
                                 << connection.errorString() << Qt::endl;
         });
-        connection.connectToHost(host, quint16(port));
+        connection.connectToHost(host, port);
     }
     return app.exec();
 }

@@ -1,46 +1,57 @@
 #include "resultslog.h"
 
-#include <QStringList>
-
 namespace {
 
-// "'Key' 'Value'", the key padded so that the value starts at `column` (1-based).
-QString line(const QString &key, const QString &value, int column = 0)
+// "'Key' 'Value'" and CR LF, the key padded (or cut) so that the value starts at `column`
+// (1-based).
+std::string line(std::string key, const std::string &value, int column = 0)
 {
-    const QString paddedKey = column > 0 ? key.leftJustified(column - 5, u' ', true) : key;
-    return u'\'' + paddedKey + QStringLiteral("' '") + value + u'\'';
+    if (column > 0)
+        key.resize(std::size_t(column - 5), ' ');
+    return '\'' + key + "' '" + value + "'\r\n";
+}
+
+std::string isoDate(std::time_t time)
+{
+    std::tm local{};
+#ifdef _WIN32
+    localtime_s(&local, &time);
+#else
+    localtime_r(&time, &local);
+#endif
+    char text[32] = {};
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
+    return text;
 }
 
 } // namespace
 
-QByteArray resultsLog(const ServerInfo &info, int round, const QDateTime &end)
+std::string resultsLog(const ServerInfo &info, int round, std::time_t end)
 {
-    QList<ServerInfo::Player> players = info.players;
-    if (players.isEmpty())
-        players.append({QStringLiteral("Player"), 1, 0});
-    QStringList lines{line(QStringLiteral("Results"), QStringLiteral("Rogue Spear")),
-                      line(QStringLiteral("Date"), end.toString(Qt::ISODate)),
-                      line(QStringLiteral("Map"), info.mapName),
-                      line(QStringLiteral("Round"), QString::number(round)),
-                      line(QStringLiteral("Game Type"), info.gameType),
-                      line(QStringLiteral("Server"), info.hostName),
-                      line(QStringLiteral("Players"), QString::number(players.size()))};
-    for (qsizetype i = 0; i < players.size(); ++i) {
-        const ServerInfo::Player &player = players.at(i);
+    std::vector<ServerInfo::Player> players = info.players;
+    if (players.empty())
+        players.push_back({"Player", 1, 0});
+    const auto number = [](auto n) { return std::to_string(n); };
+    std::string log = line("Results", "Rogue Spear") + line("Date", isoDate(end)) +
+                      line("Map", info.mapName) + line("Round", number(round)) +
+                      line("Game Type", info.gameType) + line("Server", info.hostName) +
+                      line("Players", number(players.size()));
+    for (std::size_t i = 0; i < players.size(); ++i) {
+        const ServerInfo::Player &player = players[i];
         const bool winner = i == 0;
-        lines << line(QStringLiteral("Player"), QString::number(i + 1))
-              << line(QStringLiteral("Team"), QString::number(player.team), 15)
-              << line(QStringLiteral("Ping"), QString::number(player.ping))
-              << line(QStringLiteral("Rounds"), QStringLiteral("2"), 17)
-              << line(QStringLiteral("Player Name"), player.name, 16)
-              << line(QStringLiteral("Kills"), QString::number(winner ? players.size() - 1 : 0), 20)
-              << line(QStringLiteral("Deaths"), winner ? QStringLiteral("0") : QStringLiteral("1"),
-                      19)
-              << line(QStringLiteral("Shots Fired"), QString::number(30 + i), 24)
-              << line(QStringLiteral("Shots Hit"), QString::number(10 + i), 24)
-              << line(QStringLiteral("Killed By"), winner ? QString() : players.first().name, 24)
-              << line(QStringLiteral("Accuracy"), QString::number(33), 16)
-              << line(QStringLiteral("End"), QString());
+        log += line("Player", number(i + 1)) + line("Team", number(player.team), 15) +
+               line("Ping", number(player.ping)) + line("Rounds", "2", 17) +
+               line("Player Name", player.name, 16) +
+               line("Kills", number(winner ? players.size() - 1 : 0), 20) +
+               line("Deaths", winner ? "0" : "1", 19) + line("Shots Fired", number(30 + i), 24) +
+               line("Shots Hit", number(10 + i), 24) +
+               line("Killed By", winner ? std::string() : players.front().name, 24) +
+               line("Accuracy", "33", 16) + line("End", "");
     }
-    return (lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")).toLatin1();
+    return log;
+}
+
+std::string resultsLogName(int round)
+{
+    return "RSResults" + std::to_string(round) + ".log";
 }

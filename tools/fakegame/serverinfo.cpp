@@ -1,71 +1,79 @@
 #include "serverinfo.h"
 
-#include "protocol/cp1252.h"
+#include <charconv>
 
 namespace {
 
 // The delimiter cannot appear inside a value; the game drops it the same way.
-QString clean(const QString &value)
+std::string clean(std::string_view value)
 {
-    QString out = value;
-    out.remove(u'\\');
+    std::string out;
+    for (const char c : value) {
+        if (c != '\\')
+            out += c;
+    }
     return out;
 }
 
 } // namespace
 
-QByteArray statusReply(const ServerInfo &info, int queryId)
+std::string statusReply(const ServerInfo &info, int queryId)
 {
-    QString reply;
-    const auto add = [&reply](const QString &key, const QString &value) {
-        reply += u'\\' + key + u'\\' + clean(value);
+    std::string reply;
+    const auto add = [&reply](std::string_view key, std::string_view value) {
+        reply.append(1, '\\').append(key).append(1, '\\').append(clean(value));
     };
-    add(QStringLiteral("gamename"), QStringLiteral("roguespear"));
-    add(QStringLiteral("gamever"), QStringLiteral("2.15"));
-    add(QStringLiteral("hostname"), info.hostName);
-    add(QStringLiteral("hostport"), QString::number(info.hostPort));
-    add(QStringLiteral("hostip"), QStringLiteral("0.0.0.0"));
-    add(QStringLiteral("mapname"), info.mapName);
-    add(QStringLiteral("gametype"), info.gameType);
-    add(QStringLiteral("numplayers"), QString::number(info.players.size()));
-    add(QStringLiteral("maxplayers"), QString::number(info.maxPlayers));
-    add(QStringLiteral("gamemode"), QStringLiteral("openplaying"));
-    add(QStringLiteral("teamplay"), QStringLiteral("1"));
-    add(QStringLiteral("password"), info.password ? QStringLiteral("1") : QStringLiteral("0"));
-    add(QStringLiteral("rs_serverlocked"), info.locked ? QStringLiteral("1") : QStringLiteral("0"));
-    add(QStringLiteral("rs_mods"), QStringLiteral("0"));
-    add(QStringLiteral("rs_kitrestrictions"), QStringLiteral("0"));
-    add(QStringLiteral("rs_armpatches"), QStringLiteral("1"));
-    add(QStringLiteral("rs_highbandwidth"), QStringLiteral("0"));
+    const auto flag = [](bool on) { return on ? "1" : "0"; };
+    add("gamename", "roguespear");
+    add("gamever", "2.15");
+    add("hostname", info.hostName);
+    add("hostport", std::to_string(info.hostPort));
+    add("hostip", "0.0.0.0");
+    add("mapname", info.mapName);
+    add("gametype", info.gameType);
+    add("numplayers", std::to_string(info.players.size()));
+    add("maxplayers", std::to_string(info.maxPlayers));
+    add("gamemode", "openplaying");
+    add("teamplay", "1");
+    add("password", flag(info.password));
+    add("rs_serverlocked", flag(info.locked));
+    add("rs_mods", "0");
+    add("rs_kitrestrictions", "0");
+    add("rs_armpatches", "1");
+    add("rs_highbandwidth", "0");
     if (info.timeLimitSeconds)
-        add(QStringLiteral("timelimit"), QString::number(*info.timeLimitSeconds));
-    for (qsizetype i = 0; i < info.players.size(); ++i) {
+        add("timelimit", std::to_string(*info.timeLimitSeconds));
+    for (std::size_t i = 0; i < info.players.size(); ++i) {
         const ServerInfo::Player &player = info.players[i];
-        const QString index = QString::number(i);
-        add(QStringLiteral("player_") + index, player.name);
-        add(QStringLiteral("team_") + index, QString::number(player.team));
-        add(QStringLiteral("ping_") + index, QString::number(player.ping));
+        const std::string index = std::to_string(i);
+        add("player_" + index, player.name);
+        add("team_" + index, std::to_string(player.team));
+        add("ping_" + index, std::to_string(player.ping));
     }
-    reply +=
-        QStringLiteral("\\final\\\\queryid\\") + QString::number(queryId) + QStringLiteral(".1");
-    return protocol::toCp1252(reply);
+    return reply + "\\final\\\\queryid\\" + std::to_string(queryId) + ".1";
 }
 
-std::optional<ServerInfo::Player> parsePlayer(const QString &text)
+std::optional<ServerInfo::Player> parsePlayer(std::string_view text)
 {
-    const qsizetype pingColon = text.lastIndexOf(u':');
-    if (pingColon <= 0)
+    const std::size_t pingColon = text.rfind(':');
+    if (pingColon == std::string_view::npos || pingColon == 0)
         return std::nullopt;
-    const qsizetype teamColon = text.lastIndexOf(u':', pingColon - 1);
-    if (teamColon <= 0)
+    const std::size_t teamColon = text.rfind(':', pingColon - 1);
+    if (teamColon == std::string_view::npos || teamColon == 0)
         return std::nullopt;
-    bool teamOk = false;
-    bool pingOk = false;
-    ServerInfo::Player player;
-    player.name = text.left(teamColon);
-    player.team = text.mid(teamColon + 1, pingColon - teamColon - 1).toInt(&teamOk);
-    player.ping = text.mid(pingColon + 1).toInt(&pingOk);
-    if (!teamOk || !pingOk)
+    const std::optional<int> team = parseInt(text.substr(teamColon + 1, pingColon - teamColon - 1));
+    const std::optional<int> ping = parseInt(text.substr(pingColon + 1));
+    if (!team || !ping)
         return std::nullopt;
-    return player;
+    return ServerInfo::Player{std::string(text.substr(0, teamColon)), *team, *ping};
+}
+
+std::optional<int> parseInt(std::string_view text)
+{
+    int value = 0;
+    const char *end = text.data() + text.size();
+    const auto [at, error] = std::from_chars(text.data(), end, value);
+    if (text.empty() || error != std::errc() || at != end)
+        return std::nullopt;
+    return value;
 }

@@ -1,34 +1,40 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
-#include <QString>
-#include <optional>
+// Shared by the native and the Windows stand-in: standard C++ only, no Qt.
 
-// What the stand-in game server says about itself in its status reply.
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What the stand-in game server says about itself in its status reply. Text is held as the
+// game holds it, in code page 1252.
 struct ServerInfo
 {
     struct Player
     {
-        QString name;
+        std::string name;
         int team = 1;
         int ping = 0;
     };
 
-    QString hostName = QStringLiteral("Rogue Spear");
-    QString mapName = QStringLiteral("Training Grounds");
-    QString gameType = QStringLiteral("Team Survival");
-    quint16 hostPort = 2346;
+    std::string hostName = "Rogue Spear";
+    std::string mapName = "Training Grounds";
+    std::string gameType = "Team Survival";
+    unsigned short hostPort = 2346;
     int maxPlayers = 16;
     bool password = false;
     bool locked = false;
     std::optional<int> timeLimitSeconds = 600; // none: the reply names no time limit
-    QList<Player> players;
+    std::vector<Player> players;
 };
 
 // The game's answer to "\status\": backslash-separated keys and values in the game's order,
 // the players with their teams and pings, "final" and the query id.
-QByteArray statusReply(const ServerInfo &info, int queryId);
+std::string statusReply(const ServerInfo &info, int queryId);
 
 // "NAME:TEAM:PING" (the name may itself hold colons); nullopt when it is not that.
-std::optional<ServerInfo::Player> parsePlayer(const QString &text);
+std::optional<ServerInfo::Player> parsePlayer(std::string_view text);
+
+// A whole decimal number, optionally negative, and nothing else; nullopt otherwise.
+std::optional<int> parseInt(std::string_view text);

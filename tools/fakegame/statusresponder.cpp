@@ -24,7 +24,7 @@ void StatusResponder::answer()
             return;
         if (!request.data().contains("\\status\\"))
             continue;
-        m_socket.writeDatagram(statusReply(m_info, ++m_queries), request.senderAddress(),
-                               quint16(request.senderPort()));
+        m_socket.writeDatagram(QByteArray::fromStdString(statusReply(m_info, ++m_queries)),
+                               request.senderAddress(), quint16(request.senderPort()));
     }
 }
