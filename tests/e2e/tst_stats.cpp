@@ -21,6 +21,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
+#include <algorithm>
 
 using namespace client;
 
