@@ -12,13 +12,16 @@
 #include "client/rooms/roomlistmodel.h"
 #include "client/rooms/roomstate.h"
 #include "client/session/sessionstate.h"
+#include "client/stats/resultlogwatch.h"
 #include "client/ui/picturebutton.h"
 #include "support/lobbyclient.h"
 
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
+#include <algorithm>
 
 using namespace client;
 
@@ -30,7 +33,7 @@ struct Player : LobbyClient
 {
     Player(const QString &name, const ServerProcess &server) : LobbyClient(name, server)
     {
-        const QString game = home.filePath("RogueSpear");
+        const QString &game = gameFolder;
         // The host's game comes up a moment late, so that the member's automatic join does not
         // take the host's window on this shared display for a game of its own.
         ok = QFile::copy(kFakeGame, game + "/fakegame") &&
@@ -46,6 +49,13 @@ struct Player : LobbyClient
     bool ok = false;
 
     FrmRoom *room() { return app.windows().frmRoom(); }
+    // No results log is waiting to be read.
+    bool logsSettled()
+    {
+        const QList<QTimer *> timers = app.findChild<ResultLogWatch *>()->findChildren<QTimer *>();
+        return std::none_of(timers.cbegin(), timers.cend(),
+                            [](QTimer *t) { return t->isActive(); });
+    }
     QString page(const ServerProcess &server)
     {
         return server.webPage("/?p=stats&id=" + app.session().lobbyStatsId);
@@ -77,12 +87,9 @@ private Q_SLOTS:
             player->clock.set(QDateTime::currentDateTime());
         QVERIFY(ann.page(server).contains("No rounds yet."));
 
-        ann.app.form().picCreateRoom->click();
-        ann.app.windows().frmMakeRoom()->Text1->insert("stats");
-        ann.app.windows().frmMakeRoom()->Picture3->click();
+        ann.createRoom("stats");
         QTRY_VERIFY(bob.app.rooms().findRoomRow("ann") >= 0);
-        Q_EMIT bob.app.form().ListView1->doubleClicked(
-            bob.app.rooms().index(bob.app.rooms().findRoomRow("ann"), 0));
+        bob.doubleClickRoom("ann");
         QTRY_COMPARE(ann.app.room().memberNames(), (QStringList{"ann", "bob"}));
         bob.room()->Picture4->click();
         ann.room()->Picture4->click();
@@ -96,11 +103,12 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(showsRound(ann.page(server)) && showsRound(bob.page(server)),
                                  30000);
 
-        // Once the games are over and nothing more is uploaded, ann resets.
+        // Once the games are over and ann's last log is read (and so sent before the reset on
+        // the same connection), ann resets.
         ann.games.endAll();
         bob.games.endAll();
         QTRY_VERIFY_WITH_TIMEOUT(!ann.app.session().inGame && !bob.app.session().inGame, 25000);
-        QTest::qWait(1000);
+        QTRY_VERIFY(ann.logsSettled());
         ann.dialogs.answers = {Dialogs::Answer::Yes};
         ann.app.form().picResetStats->click();
         QTRY_VERIFY(ann.page(server).contains("No rounds yet."));

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "client/app/clientapplication.h"
+#include "client/lobby/credentialsfile.h"
 #include "client/platform/registrylinux.h"
 #include "support/clientfakes.h"
+#include "support/files.h"
 #include "support/gamefakes.h"
 
 #include <QTemporaryDir>
@@ -40,3 +42,15 @@ struct AppHarness
     FakeKeyState keys;
     client::ClientApplication app;
 };
+
+// Makes `dataFolder` log in automatically as `name`, with a game folder (returned) that holds
+// the event sounds, so that the client starts quietly and, with `sounds`, can be heard.
+inline QString writeAutoLogin(const QString &dataFolder, const QString &name, bool sounds = true)
+{
+    const QString game = dataFolder + "/RogueSpear";
+    writeFile(game + "/data/sound/A_CRHRN1.WAV");
+    writeFile(dataFolder + "/settingRS.txt", QByteArray("0\r\n1\r\n") + (sounds ? "1" : "0") +
+                                                 "\r\n0\r\n0\r\n" + game.toUtf8() + "\r\n\r\n");
+    client::CredentialsFile::write(dataFolder + "/user.txt", {name, "pw-" + name});
+    return game;
+}

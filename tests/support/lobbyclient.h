@@ -2,25 +2,34 @@
 
 // A whole client logging in automatically to a real lobby server, for the end-to-end tests.
 
-#include "client/lobby/credentialsfile.h"
+#include "client/app/appwindows.h"
+#include "client/app/form1.h"
 #include "client/presence/playerlistmodel.h"
+#include "client/rooms/frmmakeroom.h"
+#include "client/rooms/roomlistmodel.h"
+#include "client/ui/picturebutton.h"
 #include "support/appharness.h"
-#include "support/files.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"
 
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTemporaryDir>
+#include <QTreeView>
 
-// A lobby server on free ports that creates accounts on first login, its database in `home`.
-inline bool startOpenLobby(ServerProcess &server, const QTemporaryDir &home)
+// A lobby server on free ports that creates accounts on first login, its database in `home`,
+// with `more` options.
+inline bool startOpenLobby(ServerProcess &server, const QTemporaryDir &home,
+                           const QStringList &more = {})
 {
-    return server.start(kLobbyServer, {"--listen", "127.0.0.1", "--port", "0", "--http-port", "0",
-                                       "--registration", "open", "--hash-cost", "minimal", "--db",
-                                       home.filePath(QStringLiteral("lobby.sqlite"))});
+    return server.start(kLobbyServer,
+                        QStringList{"--listen", "127.0.0.1", "--port", "0", "--http-port", "0",
+                                    "--registration", "open", "--hash-cost", "minimal", "--db",
+                                    home.filePath(QStringLiteral("lobby.sqlite"))} +
+                            more);
 }
 
-// One client logging in automatically as `name`, with sounds on and a game folder that holds
-// the event sounds, so that it starts quietly and its sounds can be heard.
+// One client logging in automatically as `name`, with its sounds on.
 struct LobbyClient : AppHarness
 {
     // Its avatars come from the server's own pages.
@@ -28,16 +37,27 @@ struct LobbyClient : AppHarness
         : AppHarness({.lobby = {QStringLiteral("127.0.0.1"), server.port()},
                       .web = {},
                       .avatars = QStringLiteral("http://127.0.0.1:%1").arg(server.webPort())}),
-          name(name)
+          name(name), gameFolder(writeAutoLogin(dataFolder(), name))
     {
-        const QString game = home.filePath("RogueSpear");
-        writeFile(game + "/data/sound/A_CRHRN1.WAV");
-        writeFile(dataFolder() + "/settingRS.txt",
-                  "0\r\n1\r\n1\r\n0\r\n0\r\n" + game.toUtf8() + "\r\n\r\n");
-        client::CredentialsFile::write(dataFolder() + "/user.txt", {name, "pw-" + name});
     }
 
     const QString name;
+    const QString gameFolder;
+
+    // Opens a room named `room` through the create-room dialog, as the user does.
+    void createRoom(const QString &room)
+    {
+        app.form().picCreateRoom->click();
+        client::FrmMakeRoom *dialog = app.windows().frmMakeRoom();
+        dialog->Text1->insert(room); // as typed, beyond what the keyboard helper can type
+        dialog->Picture3->click();
+    }
+    // A double-click on the row of `host`'s room in the room list.
+    void doubleClickRoom(const QString &host)
+    {
+        Q_EMIT app.form().ListView1->doubleClicked(
+            app.rooms().index(app.rooms().findRoomRow(host), 0));
+    }
 
     // The status code of a player's entry ("7" in the lobby, "8" a buddy there, "1" away...);
     // "" while he is not listed.

@@ -108,7 +108,8 @@ private Q_SLOTS:
         s.login->picLogInClicked();
         QCOMPARE(s.lines.last(), QStringLiteral("Logged out"));
         s.server.dropClient();
-        QTest::qWait(ScriptedServer::kQuietMs);
+        QTRY_VERIFY(s.connection.isClosed());
+        QVERIFY(!s.tmrReconnet->isActive());
         QCOMPARE(s.server.connectionCount(), 1);
         QVERIFY(!s.lines.contains(QStringLiteral("Diconnected")));
         QCOMPARE(dialogs, 0);
@@ -147,7 +148,7 @@ private Q_SLOTS:
             s.server.send("LF\x0F");
         }
         QTRY_COMPARE(s.lines.value(1), line);
-        QTest::qWait(ScriptedServer::kQuietMs);
+        QVERIFY(!s.tmrReconnet->isActive());
         QCOMPARE(s.lines, (QStringList{"Trying to connect...", line}));
         QVERIFY(s.connection.isClosed());
         QCOMPARE(s.server.connectionCount(), how / 2);
@@ -168,7 +169,7 @@ private Q_SLOTS:
         QTRY_COMPARE(updates.size(), 1);
         QVERIFY(s.connection.isClosed());
         QCOMPARE(s.lines, (QStringList{"Trying to connect..."}));
-        QTest::qWait(ScriptedServer::kQuietMs);
+        QVERIFY(!s.tmrReconnet->isActive());
         QCOMPARE(s.server.connectionCount(), 1);
         QCOMPARE(s.server.received(), QByteArray());
 
