@@ -51,14 +51,18 @@ constexpr std::array<CodeInfo, kCodeCount> kCodes = {{
     {Code::LeaveRoom, "\xD6L", -1, 0},
     {Code::StatsUpload, "DS", -1, 4},
     {Code::StatsReset, "RS", -1, 0},
+    {Code::RoomRefused,
+     "\xD6"
+     "N",
+     1, -1},
 }};
 
-constexpr std::array<Code, 19> kClientIncomingOrder = {
-    Code::PlayerStatus, Code::OldVersion,    Code::SendLogin,     Code::LoginAccepted,
-    Code::LoginFailed,  Code::ChatLine,      Code::AddPlayer,     Code::RemovePlayer,
-    Code::AddRoom,      Code::MemberReady,   Code::RoomChat,      Code::MemberJoined,
-    Code::MemberLeft,   Code::RoomStatus,    Code::RoomCount,     Code::RemoveRoom,
-    Code::LockRoom,     Code::WrongPassword, Code::PrivateMessage};
+constexpr std::array<Code, 20> kClientIncomingOrder = {
+    Code::PlayerStatus, Code::OldVersion,    Code::SendLogin,      Code::LoginAccepted,
+    Code::LoginFailed,  Code::ChatLine,      Code::AddPlayer,      Code::RemovePlayer,
+    Code::AddRoom,      Code::MemberReady,   Code::RoomChat,       Code::MemberJoined,
+    Code::MemberLeft,   Code::RoomStatus,    Code::RoomCount,      Code::RemoveRoom,
+    Code::LockRoom,     Code::WrongPassword, Code::PrivateMessage, Code::RoomRefused};
 
 const CodeInfo &info(Code code)
 {

@@ -43,9 +43,10 @@ enum class Code {
     LeaveRoom,      // ÖL
     StatsUpload,    // DS
     StatsReset,     // RS
+    RoomRefused,    // ÖN: a room could not be opened or joined, and why
 };
 
-inline constexpr std::size_t kCodeCount = 28;
+inline constexpr std::size_t kCodeCount = 29;
 
 enum class Direction { ToClient, ToServer };
 

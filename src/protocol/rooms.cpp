@@ -154,6 +154,18 @@ Decoded<RoomChat> RoomChat::decode(const Message &message)
     return RoomChat{message.fields[0]};
 }
 
+QByteArray RoomRefused::encode() const
+{
+    return buildMessage(kCode, {reason});
+}
+
+Decoded<RoomRefused> RoomRefused::decode(const Message &message)
+{
+    if (std::optional<DecodeError> error = shapeError(message, kCode, kDirection))
+        return *error;
+    return RoomRefused{message.fields[0]};
+}
+
 QByteArray MemberReadyToServer::encode() const
 {
     return buildMessage(kCode, {readyStateText(state)});

@@ -219,6 +219,20 @@ struct RoomStatusToClient
     bool operator==(const RoomStatusToClient &) const = default;
 };
 
+// ÖN to a client: the room it just opened or joined was refused (too many attempts, the room
+// has gone); it is not in that room. Clients that do not know the code skip it.
+struct RoomRefused
+{
+    static constexpr Code kCode = Code::RoomRefused;
+    static constexpr Direction kDirection = Direction::ToClient;
+
+    QString reason; // a sentence to show the player
+
+    QByteArray encode() const;
+    static Decoded<RoomRefused> decode(const Message &message);
+    bool operator==(const RoomRefused &) const = default;
+};
+
 using RemoveRoomToServer = BareMessage<Code::RemoveRoom, Direction::ToServer>; // RR: host leaves
 using LeaveRoom = BareMessage<Code::LeaveRoom, Direction::ToServer>;           // ÖL: member leaves
 using WrongPassword = BareMessage<Code::WrongPassword, Direction::ToClient>;   // ÖW: join refused

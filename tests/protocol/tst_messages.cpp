@@ -136,6 +136,7 @@ void TestMessages::roundTrips_data()
     addRoundTrip(LockRoomToClient{"Ann", false}, "LRAnn|0");
     addRoundTrip(JoinRoom{"Ann", ""}, "ÖJAnn|");
     addRoundTrip(WrongPassword{}, "ÖW");
+    addRoundTrip(RoomRefused{"Too fast"}, "ÖNToo fast");
     addRoundTrip(MemberJoined{"Bob", ReadyState::Ready}, "ÖTBob|2");
     addRoundTrip(MemberLeft{"Bob"}, "ÖBBob");
     addRoundTrip("ÖM to server, D6 4D", RoomChat{"go"}, "\xD6Mgo\x0F", S);

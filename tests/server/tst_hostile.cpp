@@ -100,6 +100,9 @@ private Q_SLOTS:
             QVERIFY(m.code != Code::PlayerStatus || m.field(2).size() <= 45);
         }
         QCOMPARE(received, limit);
+        // A room opened past the limit is refused to its host's face, not silently.
+        if (relayed.contains(Code::AddRoom))
+            QTRY_VERIFY(anna->hasPending(Code::RoomRefused));
 
         // The honest player is still there and answered.
         QVERIFY(bert->isConnected() && bert->receivedOnlyWellFormed());
@@ -120,8 +123,8 @@ private Q_SLOTS:
             carl->send(Code::JoinRoom, {"Anna", QString::number(i)});
         carl->send(Code::JoinRoom, {"Anna", "secret"});
         // The right password past the limit is not called wrong: the lobby says why it waits.
-        const std::optional<Message> notice = carl->take(Code::ChatLine);
-        QVERIFY(notice && notice->field(0) == "QUORVEL");
+        const std::optional<Message> refusal = carl->take(Code::RoomRefused);
+        QVERIFY(refusal && refusal->field(0).contains("password"));
         QCOMPARE(carl->takeAll(Code::WrongPassword).size(), tries);
         QVERIFY(!anna->hasPending(Code::ChatLine));
         lobby.clock.advance(server::AccountLimits::kRoomPasswords.windowMs);

@@ -100,6 +100,7 @@ private Q_SLOTS:
 
     // Messages a player may not send, or with values out of range, change nothing: a second
     // room, a second or unknown room to join, a member acting as host, an outsider as member.
+    // Only the joins of rooms that are not there are answered, with a refusal.
     void messagesThatChangeNothing()
     {
         QVERIFY(openRoomWithMember());
@@ -116,6 +117,7 @@ private Q_SLOTS:
             sender->send(code, fields);
         for (TestClient *c : {m_hana, m_mia, m_otto})
             QVERIFY(m_lobby->sync(c));
+        QCOMPARE(m_otto->takeAll(Code::RoomRefused).size(), 2);
         for (TestClient *c : {m_hana, m_mia, m_otto})
             QVERIFY(c->pending().isEmpty());
     }

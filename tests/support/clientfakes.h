@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 // Stand-ins for the operating-system services a test cannot use for real: no notification
 // area and no sound device under the offscreen platform, dialogs that nobody answers, a
 // keyboard nobody presses, and clocks that move only when a test moves them.
@@ -53,7 +55,7 @@ public:
 // empty), file dialogs from `files` (cancelled when empty), input boxes from `inputs`
 // (cancelled when empty). Remembers each question in `asked`: a message box by its text,
 // " [Yes/No]" added when it asks so; a file dialog as "file: FILTER"; an input box as
-// "input: TITLE".
+// "input: TITLE". `whileAsking` runs while a box is open, as the event loop would.
 class FakeDialogs final : public client::Dialogs
 {
 public:
@@ -61,6 +63,7 @@ public:
     QStringList files;
     QStringList inputs;
     QStringList asked;
+    std::function<void()> whileAsking;
 
     Answer messageBox(const QString &, const QString &text, Buttons buttons, Icon) override
     {
@@ -75,6 +78,8 @@ public:
     QString inputBox(const QString &, const QString &title, const QString &, bool) override
     {
         asked << "input: " + title;
+        if (whileAsking)
+            whileAsking();
         return inputs.isEmpty() ? QString() : inputs.takeFirst();
     }
 };

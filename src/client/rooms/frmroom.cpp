@@ -86,6 +86,7 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
 
     connect(&room, &RoomState::changed, this, &FrmRoom::showState);
     connect(&room, &RoomState::chatCleared, txtRoomChat, &QPlainTextEdit::clear);
+    connect(&room, &RoomState::chatInputCleared, txtRoomChatSend, &QLineEdit::clear);
     connect(&room, &RoomState::chatLineAdded, this, [this](const QString &line) {
         txtRoomChat->appendPlainText(line);
         txtRoomChat->verticalScrollBar()->setValue(txtRoomChat->verticalScrollBar()->maximum());

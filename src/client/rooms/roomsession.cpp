@@ -42,6 +42,7 @@ RoomSession::RoomSession(RoomState &room, RoomListModel &rooms, LobbyDispatcher 
     dispatcher.on<protocol::MemberReadyToClient>([this](const auto &m) { onMemberReady(m); });
     dispatcher.on<protocol::RoomStatusToClient>([this](const auto &m) { onRoomStatus(m); });
     dispatcher.on<protocol::WrongPassword>([this](const auto &) { onWrongPassword(); });
+    dispatcher.on<protocol::RoomRefused>([this](const auto &m) { onRoomRefused(m); });
 }
 
 RoomSession::~RoomSession()
@@ -54,6 +55,7 @@ RoomSession::~RoomSession()
     m_dispatcher->off<protocol::MemberReadyToClient>();
     m_dispatcher->off<protocol::RoomStatusToClient>();
     m_dispatcher->off<protocol::WrongPassword>();
+    m_dispatcher->off<protocol::RoomRefused>();
 }
 
 bool RoomSession::isHost() const
@@ -90,15 +92,20 @@ void RoomSession::joinRow(int row)
         Q_EMIT gameClientStartRequested(m_rooms.tag(row));
         return;
     }
+    const QString host = m_rooms.text(row, RoomListModel::Host);
     QString password;
     if (m_rooms.icon(row) == RoomListModel::LockedRoom) {
         password = m_dialogs.inputBox(QStringLiteral("Password"),
                                       QStringLiteral("This server is locked"), {}, true);
         if (password.isEmpty())
             return;
+        // Rooms come and go while the box is open: the row may have moved or gone.
+        row = m_rooms.findRoomRow(host);
+        if (row < 0)
+            return;
     }
-    const QString host = m_rooms.text(row, RoomListModel::Host);
     m_room.clearRoom();
+    m_room.clearChatInput();
     Q_EMIT createRoomButtonShown(false);
     m_room.hostControls = false;
     m_room.startShown = m_room.joinShown = false;
@@ -228,6 +235,14 @@ void RoomSession::onRoomStatus(const protocol::RoomStatusToClient &message)
     const int row = m_rooms.findRoomRow(message.host);
     if (row >= 0)
         m_rooms.setText(row, RoomListModel::Status, message.status);
+}
+
+void RoomSession::onRoomRefused(const protocol::RoomRefused &message)
+{
+    // The room window opened before the server answered: the user is in no room after all.
+    if (!m_room.hostName.isEmpty())
+        leave();
+    m_dialogs.messageBox(applicationTitle(), message.reason);
 }
 
 void RoomSession::onWrongPassword()

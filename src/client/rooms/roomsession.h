@@ -10,6 +10,7 @@ struct MemberLeft;
 struct RoomChat;
 struct MemberReadyToClient;
 struct RoomStatusToClient;
+struct RoomRefused;
 } // namespace protocol
 
 namespace client {
@@ -23,9 +24,9 @@ class SessionState;
 
 // Being in a room: creating one as its host, joining a listed one (asking for the password of
 // a locked one), and everything that happens inside it until the user leaves. Handles the
-// room window's messages ("ÖT", "ÖB", "ÖM", "ÖR", "ÖS") and the refused join ("ÖW"), and sends
-// the user's own ("AR", "ÖJ", "ÖM", "ÖR", "ÖS", "LR", "RR", "ÖL"). Every change lands in the
-// RoomState the room window watches.
+// room window's messages ("ÖT", "ÖB", "ÖM", "ÖR", "ÖS"), the refused join ("ÖW") and the
+// refused room with its reason ("ÖN"), and sends the user's own ("AR", "ÖJ", "ÖM", "ÖR",
+// "ÖS", "LR", "RR", "ÖL"). Every change lands in the RoomState the room window watches.
 //
 // The room window and the create-room button belong to the main window's side: this object
 // asks for them through signals. So does starting the game, which the launcher does.
@@ -92,6 +93,7 @@ private:
     void onMemberReady(const protocol::MemberReadyToClient &message);
     void onRoomStatus(const protocol::RoomStatusToClient &message);
     void onWrongPassword();
+    void onRoomRefused(const protocol::RoomRefused &message);
     bool isHost() const;
     void sendRoomStatus();
 

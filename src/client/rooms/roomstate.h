@@ -46,6 +46,8 @@ public:
 
     // Empties the member list and the chat.
     void clearRoom();
+    // Empties the room chat's input box (joining a room starts with an empty one).
+    void clearChatInput() { Q_EMIT chatInputCleared(); }
     // Back to a window that was never opened: no room, nothing shown.
     void reset();
 
@@ -53,6 +55,7 @@ Q_SIGNALS:
     void changed();
     void chatLineAdded(const QString &line);
     void chatCleared();
+    void chatInputCleared();
 
 private:
     int findMember(const QString &name) const;

@@ -1,6 +1,5 @@
 #include "server/lobby/roomhandler.h"
 
-#include "protocol/chat.h"
 #include "protocol/rooms.h"
 #include "server/lobby/accountlimits.h"
 #include "server/lobby/announcements.h"
@@ -9,7 +8,6 @@
 #include "server/net/connection.h"
 #include "server/net/messagerouter.h"
 #include "server/net/session.h"
-#include "server/store/serviceaccount.h"
 
 namespace server {
 
@@ -36,11 +34,17 @@ QByteArray memberCount(const Room &room)
         .encode();
 }
 
-// A line in the player's lobby chat from the lobby itself, as his client shows its own notices.
-QByteArray notice(const QString &text)
+// A create or join the server does not carry out is answered, so that the client, which
+// opened its room window at once, lets go of it and tells the player why.
+QByteArray refusal(const char *reason)
 {
-    return ChatLineToClient{.name = kServiceAccountName, .colour = 0, .text = text}.encode();
+    return RoomRefused{QString::fromLatin1(reason)}.encode();
 }
+
+constexpr auto kTooFast =
+    "You are opening and joining rooms too fast: wait a moment and try again.";
+constexpr auto kRoomGone = "That room has closed.";
+constexpr auto kTooManyPasswords = "Too many wrong room passwords: try again in a minute.";
 } // namespace
 
 RoomHandler::RoomHandler(Lobby &lobby, RoomRegistry &rooms, AccountLimits &limits,
@@ -75,8 +79,12 @@ bool RoomHandler::mayChat(const Session &player)
 
 void RoomHandler::addRoom(Session &host, const AddRoomToServer &add)
 {
-    if (m_rooms.roomOf(&host) || !mayChange(host))
+    if (m_rooms.roomOf(&host))
         return;
+    if (!mayChange(host)) {
+        host.send(refusal(kTooFast));
+        return;
+    }
     const Room &room = m_rooms.create(&host, relayText(add.roomName, kMaxRoomNameBytes),
                                       host.connection().peerAddress());
     m_lobby.broadcast(roomAnnouncement(room));
@@ -87,15 +95,20 @@ void RoomHandler::join(Session &joiner, const JoinRoom &join)
     if (m_rooms.roomOf(&joiner))
         return;
     Room *room = m_rooms.findByHost(join.host);
-    if (!room || !mayChange(joiner))
+    if (!room) {
+        joiner.send(refusal(kRoomGone));
         return;
+    }
+    if (!mayChange(joiner)) {
+        joiner.send(refusal(kTooFast));
+        return;
+    }
     if (!room->password.isEmpty()) {
         // Past the limit no password is tried, so guessing gains nothing; the player hears
         // why rather than that the right password is wrong.
         if (!m_limits.tryAcquire(joiner.player().accountId, kRoomPasswords,
                                  AccountLimits::kRoomPasswords)) {
-            joiner.send(notice(QStringLiteral("Too many wrong room passwords: try again in a "
-                                              "minute.")));
+            joiner.send(refusal(kTooManyPasswords));
             return;
         }
         if (room->password != join.password.left(kMaxRoomPassword)) {

@@ -8,8 +8,10 @@
 #include "client/rooms/roomstate.h"
 #include "client/session/sessionstate.h"
 #include "protocol/message.h"
+#include "protocol/rooms.h"
 #include "support/clientfakes.h"
 
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -97,6 +99,68 @@ private Q_SLOTS:
         QTEST(rig.room.playerReadyStatus, "readyStatus");
         if (!joined.isEmpty())
             QCOMPARE(joined.at(0).at(0).toString(), "10.0.0.5");
+    }
+
+    // The room list changes while the password box of a locked room is open: the join goes
+    // to the room the user chose, or nowhere when it has gone.
+    void lockedRoomLookedUpAfterThePasswordBox_data()
+    {
+        QTest::addColumn<int>("closing"); // the row whose room closes while the box is open
+        QTest::addColumn<QString>("joined");
+        QTest::newRow("the room above closed") << 0 << "locked";
+        QTest::newRow("the room itself closed") << 1 << "";
+    }
+    void lockedRoomLookedUpAfterThePasswordBox()
+    {
+        QFETCH(int, closing);
+        QFETCH(QString, joined);
+        Rig rig;
+        rig.rooms.appendRow({"first", "open", "", "In chat", "       1", ""}, "10.0.0.8",
+                            RoomListModel::OpenRoom);
+        rig.rooms.appendRow({"locked", "vault", "", "In chat", "       1", ""}, "10.0.0.7",
+                            RoomListModel::LockedRoom);
+        QSignalSpy shown(&rig.rooms_, &RoomSession::roomWindowShowRequested);
+        rig.dialogs.inputs = {"abc"};
+        rig.dialogs.whileAsking = [&] { rig.rooms.removeRows(closing, 1); };
+        rig.rooms_.joinRow(1);
+        QCOMPARE(rig.room.hostName, joined);
+        QCOMPARE(shown.count(), joined.isEmpty() ? 0 : 1);
+        if (!joined.isEmpty())
+            QCOMPARE(rig.room.ipToGame, "10.0.0.7");
+    }
+
+    // A room the server refused closes its window and says why, whether the user opened it
+    // or joined it; outside a room only the reason shows.
+    void refusedRoomIsLeftWithItsReason_data()
+    {
+        QTest::addColumn<QString>("how");
+        QTest::newRow("created") << "create";
+        QTest::newRow("joined") << "join";
+        QTest::newRow("in no room") << "";
+    }
+    void refusedRoomIsLeftWithItsReason()
+    {
+        QFETCH(QString, how);
+        Rig rig;
+        QSignalSpy unloaded(&rig.rooms_, &RoomSession::roomWindowUnloadRequested);
+        if (how == "create")
+            rig.rooms_.createRoom("war");
+        else if (how == "join")
+            rig.join();
+        rig.dispatcher.receive(protocol::RoomRefused{"Too fast: try again."}.encode());
+        QCOMPARE(rig.room.hostName, "");
+        QCOMPARE(unloaded.count(), how.isEmpty() ? 0 : 1);
+        QCOMPARE(rig.dialogs.asked, QStringList{"Too fast: try again."});
+    }
+
+    // A join prepares the still open window afresh: the old room's half-typed line goes too.
+    void joiningEmptiesTheChatInput()
+    {
+        Rig rig;
+        FrmRoom window(rig.room, rig.rooms_);
+        window.txtRoomChatSend->setText("half a line");
+        rig.join();
+        QCOMPARE(window.txtRoomChatSend->text(), "");
     }
 
     // The host's room status follows his game as the game detection sees it.
