@@ -608,8 +608,9 @@ void BM_PagesUnderLoad(benchmark::State &state)
                                          QStringLiteral("Survival"),
                                          QStringLiteral("Map"),
                                          {}};
-            upload.records.append({QString::number(i % 30), QStringLiteral("load%1").arg(i),
-                                   QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("4"),
+            upload.records.append({protocol::NumberText::of(i % 30),
+                                   QStringLiteral("load%1").arg(i), protocol::NumberText::of(2),
+                                   protocol::NumberText::of(1), QStringLiteral("4"),
                                    QStringLiteral("5"), QStringLiteral("6"), QStringLiteral("8"),
                                    QStringLiteral("x")});
             clients[std::size_t(i)]->send(upload.encode());

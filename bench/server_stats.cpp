@@ -49,10 +49,10 @@ protocol::StatsUpload roundOf(int n, int ownIndex, const QString &ownName)
                                  {}};
     for (int i = 1; i <= 8; ++i) {
         const QString name = i == ownIndex ? ownName : QStringLiteral("Other%1").arg((n + i) % 97);
-        upload.records.append({QString::number((n + i) % 30), name, QString::number(i % 4),
-                               QString::number((n * i) % 2), QStringLiteral("12"),
-                               QStringLiteral("34"), QStringLiteral("56"), QStringLiteral("7"),
-                               QStringLiteral("Other1")});
+        upload.records.append(
+            {protocol::NumberText::of((n + i) % 30), name, protocol::NumberText::of(i % 4),
+             protocol::NumberText::of((n * i) % 2), QStringLiteral("12"), QStringLiteral("34"),
+             QStringLiteral("56"), QStringLiteral("7"), QStringLiteral("Other1")});
     }
     return upload;
 }

@@ -28,14 +28,14 @@ Decoded<Login> Login::decode(const Message &message)
 
 QByteArray LoginAccepted::encode() const
 {
-    return buildMessage(kCode, {statsId, name});
+    return buildMessage(kCode, {statsId.text, name});
 }
 
 Decoded<LoginAccepted> LoginAccepted::decode(const Message &message)
 {
     if (std::optional<DecodeError> error = shapeError(message, kCode, kDirection))
         return *error;
-    return LoginAccepted{message.fields[0], message.fields[1]};
+    return LoginAccepted{NumberText::read(message.fields[0]), message.fields[1]};
 }
 
 } // namespace protocol

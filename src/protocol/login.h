@@ -1,5 +1,6 @@
 #pragma once
 
+#include "protocol/number.h"
 #include "protocol/wiremessage.h"
 
 #include <QString>
@@ -42,8 +43,8 @@ struct LoginAccepted
     static constexpr Code kCode = Code::LoginAccepted;
     static constexpr Direction kDirection = Direction::ToClient;
 
-    QString statsId; // the account's id in decimal, used as it arrives in statistics addresses
-    QString name;    // the account name as stored
+    NumberText statsId; // the account's id, used as it arrives in statistics addresses
+    QString name;       // the account name as stored
 
     QByteArray encode() const;
     static Decoded<LoginAccepted> decode(const Message &message);

@@ -26,4 +26,9 @@ std::optional<qint64> readWholeNumber(QStringView text)
     return static_cast<qint64>(whole);
 }
 
+NumberText NumberText::of(double value)
+{
+    return {QString::number(value, 'g', 15), value};
+}
+
 } // namespace protocol

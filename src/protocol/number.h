@@ -20,4 +20,19 @@ std::optional<double> readNumber(QStringView text);
 // that is not a number or a value outside the range of qint64.
 std::optional<qint64> readWholeNumber(QStringView text);
 
+// A number field that is passed on or shown in the form it came in ("007", "2.50") and also
+// counted: the text as it travels and, read once, its value (nullopt when the text is not a
+// number).
+struct NumberText
+{
+    QString text;
+    std::optional<double> value;
+
+    static NumberText read(const QString &text) { return {text, readNumber(text)}; }
+    // `value` in decimal, 15 significant digits at most ("3", "2.5").
+    static NumberText of(double value);
+
+    bool operator==(const NumberText &) const = default;
+};
+
 } // namespace protocol

@@ -46,7 +46,7 @@ Decoded<AddRoomToServer> AddRoomToServer::decode(const Message &message)
 QByteArray AddRoomToClient::encode() const
 {
     return buildMessage(kCode,
-                        {host, roomName, hostAddress, status, playerCount, flagText(locked)});
+                        {host, roomName, hostAddress, status, playerCount.text, flagText(locked)});
 }
 
 Decoded<AddRoomToClient> AddRoomToClient::decode(const Message &message)
@@ -54,7 +54,8 @@ Decoded<AddRoomToClient> AddRoomToClient::decode(const Message &message)
     if (std::optional<DecodeError> error = shapeError(message, kCode, kDirection))
         return *error;
     const QStringList &f = message.fields;
-    return AddRoomToClient{f[0], f[1], f[2], f[3], f[4], f[5] == QLatin1String("1")};
+    return AddRoomToClient{
+        f[0], f[1], f[2], f[3], NumberText::read(f[4]), f[5] == QLatin1String("1")};
 }
 
 QByteArray RemoveRoomToClient::encode() const
@@ -71,14 +72,14 @@ Decoded<RemoveRoomToClient> RemoveRoomToClient::decode(const Message &message)
 
 QByteArray RoomCount::encode() const
 {
-    return buildMessage(kCode, {host, playerCount});
+    return buildMessage(kCode, {host, playerCount.text});
 }
 
 Decoded<RoomCount> RoomCount::decode(const Message &message)
 {
     if (std::optional<DecodeError> error = shapeError(message, kCode, kDirection))
         return *error;
-    return RoomCount{message.fields[0], message.fields[1]};
+    return RoomCount{message.fields[0], NumberText::read(message.fields[1])};
 }
 
 QByteArray LockRoomToServer::encode() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "protocol/number.h"
 #include "protocol/wiremessage.h"
 
 #include <QString>
@@ -47,10 +48,10 @@ struct AddRoomToClient
 
     QString host;
     QString roomName;
-    QString hostAddress; // dotted IPv4; the members' games connect to it
-    QString status;      // "In chat" or "In game", shown as it arrives
-    QString playerCount; // decimal, shown as it arrives
-    bool locked = false; // exactly "1"
+    QString hostAddress;    // dotted IPv4; the members' games connect to it
+    QString status;         // "In chat" or "In game", shown as it arrives
+    NumberText playerCount; // shown as it arrives, a number or not
+    bool locked = false;    // exactly "1"
 
     QByteArray encode() const;
     static Decoded<AddRoomToClient> decode(const Message &message);
@@ -78,7 +79,7 @@ struct RoomCount
     static constexpr Direction kDirection = Direction::ToClient;
 
     QString host;
-    QString playerCount; // decimal, shown as it arrives
+    NumberText playerCount; // shown as it arrives, a number or not
 
     QByteArray encode() const;
     static Decoded<RoomCount> decode(const Message &message);

@@ -108,7 +108,7 @@ void TestMessages::roundTrips_data()
     addRoundTrip(SendLogin{}, "SL");
     addRoundTrip("LG, bytes spelled out", Login{"Ann", "x1"},
                  QByteArray::fromHex("4C47416E6E0E78310F"));
-    addRoundTrip(LoginAccepted{"17", "Ann"}, "LT17|Ann");
+    addRoundTrip(LoginAccepted{NumberText::read("17"), "Ann"}, "LT17|Ann");
     addRoundTrip(LoginFailed{}, "LF");
     addRoundTrip(OldVersion{}, "OV");
     addRoundTrip(KeepAlive{}, "PI");
@@ -127,11 +127,11 @@ void TestMessages::roundTrips_data()
     addRoundTrip(PrivateMessageToClient{"Bob", "psst", true}, "PMBob|psst|1");
 
     addRoundTrip(AddRoomToServer{"Fun"}, "ARFun");
-    addRoundTrip(AddRoomToClient{"Ann", "Fun", "10.0.0.5", "In chat", "1", true},
+    addRoundTrip(AddRoomToClient{"Ann", "Fun", "10.0.0.5", "In chat", NumberText::of(1), true},
                  "ARAnn|Fun|10.0.0.5|In chat|1|1");
     addRoundTrip("RR to server", RemoveRoomToServer{}, wire("RR"));
     addRoundTrip(RemoveRoomToClient{"Ann", true}, "RRAnn|1");
-    addRoundTrip(RoomCount{"Ann", "3"}, "ÖCAnn|3");
+    addRoundTrip(RoomCount{"Ann", NumberText::of(3)}, "ÖCAnn|3");
     addRoundTrip(LockRoomToServer{"abc"}, "LRabc");
     addRoundTrip(LockRoomToClient{"Ann", false}, "LRAnn|0");
     addRoundTrip(JoinRoom{"Ann", ""}, "ÖJAnn|");
@@ -147,10 +147,18 @@ void TestMessages::roundTrips_data()
     addRoundTrip(RoomStatusToClient{"Ann", "In game"}, "ÖSAnn|In game");
     addRoundTrip(LeaveRoom{}, "ÖL");
 
-    // One more separator after the records.
-    const StatsRecord record{"3", "Ann", "2", "1", "4", "5", "6", "8", "Bob"};
+    // One more separator after the records; numbers keep the form they were read in.
+    const StatsRecord record{NumberText::of(-3),
+                             "Ann",
+                             NumberText::read("02"),
+                             NumberText::read("1.50"),
+                             "4",
+                             "5",
+                             "6",
+                             "8",
+                             "Bob"};
     addRoundTrip(StatsUpload{1, "A", "Survival", "B", {record, record}},
-                 "DS1|A|Survival|B|3|Ann|2|1|4|5|6|8|Bob|3|Ann|2|1|4|5|6|8|Bob|");
+                 "DS1|A|Survival|B|-3|Ann|02|1.50|4|5|6|8|Bob|-3|Ann|02|1.50|4|5|6|8|Bob|");
     addRoundTrip(StatsReset{}, "RS");
 
     QByteArray missing;
@@ -182,8 +190,9 @@ void TestMessages::readsOddFields_data()
     addRead<ChatLineToClient>("MD: colour below 0", {"Ann", "-1", "x"}, "MDAnn||x");
     addRead<ChatLineToClient>("MD: colour past 32 bits", {"Ann", "4294967296", "x"}, "MDAnn||x");
     addRead<PrivateMessageToClient>("PM: echo neither 0 nor 1", {"Bob", "t", "2"}, "PMBob|t|");
-    addRead<AddRoomToClient>("AR: lock flag only exactly 1", {"Ann", "Fun", "a", "b", "12", "1.0"},
-                             "ARAnn|Fun|a|b|12|0");
+    addRead<AddRoomToClient>("AR: lock flag only exactly 1; any count as it came",
+                             {"Ann", "Fun", "a", "b", "N/A", "1.0"}, "ARAnn|Fun|a|b|N/A|0");
+    addRead<RoomCount>("ÖC: count as it came", {"Ann", " 007"}, "ÖCAnn| 007");
     addRead<RemoveRoomToClient>("RR: game flag only exactly 1", {"Ann", " 1"}, "RRAnn|0");
     addRead<LockRoomToClient>("LR: the value 1 locks", {"Ann", " 1.0"}, "LRAnn|1");
     addRead<LockRoomToClient>("LR: 1.5 is not 1", {"Ann", "1.5"}, "LRAnn|0");
@@ -204,6 +213,16 @@ void TestMessages::readsOddFields_data()
                          "DS0|A|Survival|B|");
     addRead<StatsUpload>("DS: part of a record", {"1", "A", "Survival", records.left(7)},
                          "refused: DS: 2 record fields are not records of 9");
+    for (const auto &[at, field] : {std::pair{0, "P1"}, {2, "P2"}, {3, "P3"}}) {
+        QStringList fields = QString(records).split(QChar(kSeparator));
+        fields[at + 1] = "x";
+        const QByteArray name = "DS: " + QByteArray(field) + " not a number";
+        const QByteArray reason =
+            "refused: DS: record 1: " + QByteArray(field) + " \"x\" is not a number";
+        addRead<StatsUpload>(name.constData(),
+                             {"1", "A", "Survival", fields.join(QChar(kSeparator))},
+                             reason.constData());
+    }
     addRead<StatsUpload>("DS: own index not a number", {"me", "A", "Survival", "B"},
                          "refused: DS: own index \"me\" is not a number");
     addRead<StatsUpload>("DS: header cut short", {"1", "A", "Survival"},

@@ -13,7 +13,16 @@ namespace {
 StatsRecord player(const QString &name, const QString &p1 = "3", const QString &p2 = "2",
                    const QString &p3 = "1")
 {
-    return {p1, name, p2, p3, "4", "5", "6", "8", "Killer"};
+    using protocol::NumberText;
+    return {NumberText::read(p1),
+            name,
+            NumberText::read(p2),
+            NumberText::read(p3),
+            "4",
+            "5",
+            "6",
+            "8",
+            "Killer"};
 }
 
 StatsUpload round(qint64 own, const QList<StatsRecord> &players, const QString &headerA = "Round 1")

@@ -37,7 +37,7 @@ LoginController::LoginController(LobbyConnection &connection, LobbyDispatcher &d
         m_connection.send(protocol::Login{credentials.name, credentials.password});
     });
     dispatcher.on<protocol::LoginAccepted>([this](const protocol::LoginAccepted &accepted) {
-        m_session.lobbyStatsId = accepted.statsId;
+        m_session.lobbyStatsId = accepted.statsId.text;
         Q_EMIT statsIdReceived(m_session.lobbyStatsId);
         Q_EMIT statusLine(QStringLiteral("Connected"));
         m_session.setOnline(true);

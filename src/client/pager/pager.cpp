@@ -50,7 +50,7 @@ void Pager::registerHandler(LobbyDispatcher &dispatcher)
 
 qint64 Pager::indexOf(int row) const
 {
-    return m_players.text(row, PlayerListModel::Index).toLongLong();
+    return m_players.id(row).value_or(0);
 }
 
 void Pager::SendMessagee(const QString &namn)
@@ -68,7 +68,7 @@ void Pager::SendMessagee(const QString &namn)
     }
     if (m_players.text(row, PlayerListModel::Message) == kYes) {
         m_players.setText(row, PlayerListModel::Message, kNo);
-        m_players.setIcon(row, m_players.text(row, PlayerListModel::PingBild).toInt());
+        m_players.setIcon(row, m_players.savedIcon(row));
     }
     const qint64 index = indexOf(row);
     if (m_players.text(row, PlayerListModel::PictureLoaded) == kNo) {

@@ -4,7 +4,6 @@
 #include "client/platform/dialogs.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/session/sessionstate.h"
-#include "protocol/number.h"
 #include "protocol/presence.h"
 
 #include <QAbstractItemView>
@@ -14,11 +13,6 @@
 namespace client {
 
 namespace {
-
-bool isBuddy(const PlayerListModel &players, int row)
-{
-    return protocol::readNumber(players.text(row, PlayerListModel::VanTrue)) == 1.0;
-}
 
 // A buddy's code is one above the same player's code as a non-buddy: 1/2 away, 4/5 in a
 // game, 7/8 in the lobby. Other codes stay.
@@ -69,7 +63,7 @@ FrmMenu::FrmMenu(PlayerListModel &players, QAbstractItemView &ListView2,
         Q_EMIT privateMessageRequested(m_players.text(row, PlayerListModel::Name));
     });
     onSelected(mnuViewStats, [this](int row) {
-        Q_EMIT statsPageRequested(m_players.text(row, PlayerListModel::Index));
+        Q_EMIT statsPageRequested(QString::number(m_players.id(row).value_or(0)));
     });
     onSelected(mnuGameInfo, [this](int row) {
         Q_EMIT gameInfoRequested(m_players.text(row, PlayerListModel::IpToGame));
@@ -111,8 +105,8 @@ void FrmMenu::listClicked(Qt::MouseButton button, QPoint globalPos)
         return;
     }
     mnuPrivateMessage->setText(QStringLiteral("Send PM"));
-    mnuAddBuddie->setText(isBuddy(m_players, row) ? QStringLiteral("Remove buddie")
-                                                  : QStringLiteral("Add buddie"));
+    mnuAddBuddie->setText(m_players.isBuddy(row) ? QStringLiteral("Remove buddie")
+                                                 : QStringLiteral("Add buddie"));
     const QString code = m_players.text(row, PlayerListModel::PlayerStatus);
     const bool inGame = (code == QLatin1String("4") || code == QLatin1String("5")) &&
                         !m_players.text(row, PlayerListModel::IpToGame).isEmpty();
@@ -127,7 +121,7 @@ void FrmMenu::changeBuddy()
     if (row < 0)
         return;
     const QString name = m_players.text(row, PlayerListModel::Name);
-    const bool add = !isBuddy(m_players, row);
+    const bool add = !m_players.isBuddy(row);
     const QString text = add ? QStringLiteral("Do you want to add '%1' to your buddylist?")
                              : QStringLiteral("Do you want remove add '%1' from your buddylist?");
     if (m_dialogs.messageBox(QStringLiteral("Add buddy"), text.arg(name), Dialogs::Buttons::YesNo,
@@ -137,13 +131,12 @@ void FrmMenu::changeBuddy()
     row = selectedPlayer();
     if (row < 0 || m_players.text(row, PlayerListModel::Name) != name)
         return;
-    const qint64 id = m_players.text(row, PlayerListModel::Index).toLongLong();
+    const qint64 id = m_players.id(row).value_or(0);
     if (add)
         m_connection.send(protocol::BuddyAdd{id});
     else
         m_connection.send(protocol::BuddyRemove{id});
-    m_players.setText(row, PlayerListModel::VanTrue,
-                      add ? QStringLiteral("1") : QStringLiteral("0"));
+    m_players.setBuddy(row, add);
     m_players.setBold(row, add);
     // The new code moves the entry to its place among the buddies or the others.
     m_players.setText(row, PlayerListModel::PlayerStatus,

@@ -3,7 +3,6 @@
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/ui/icons.h"
-#include "protocol/number.h"
 #include "protocol/presence.h"
 
 namespace client {
@@ -38,14 +37,13 @@ void PlayerListHandlers::onAddPlayer(const protocol::AddPlayer &message)
     entry.texts[PlayerListModel::Name] = message.name;
     entry.texts[PlayerListModel::IpToGame] = message.gameAddress;
     entry.texts[PlayerListModel::EpostHash] = message.emailHash;
-    entry.texts[PlayerListModel::VanTrue] =
-        message.buddy ? QStringLiteral("1") : QStringLiteral("0");
+    entry.buddy = message.buddy;
     entry.texts[PlayerListModel::PlayerStatus] = statusCode(message.presence, message.buddy);
     entry.bold = message.buddy;
-    entry.texts[PlayerListModel::Index] = QString::number(message.id);
+    entry.id = message.id;
     entry.texts[PlayerListModel::PictureLoaded] = QStringLiteral("0");
     entry.texts[PlayerListModel::Message] = QStringLiteral("0");
-    entry.texts[PlayerListModel::PingBild] = QString::number(Icons::OpenRoom);
+    entry.savedIcon = Icons::OpenRoom;
     if (message.highlighted)
         entry.colour = QColor(PlayerListModel::kHighlightColour);
     entry.icon = Icons::OpenRoom;
@@ -59,10 +57,8 @@ void PlayerListHandlers::onRemovePlayer(const protocol::RemovePlayer &message)
 {
     const int row = m_model.findEntry(message.name);
     if (row >= 0) {
-        bool isNumber = false;
-        const qint64 index = m_model.text(row, PlayerListModel::Index).toLongLong(&isNumber);
-        if (isNumber)
-            Q_EMIT playerLeft(index);
+        if (const std::optional<qint64> id = m_model.id(row))
+            Q_EMIT playerLeft(*id);
         const QString gameAddress = m_model.text(row, PlayerListModel::IpToGame);
         m_model.removeEntry(row);
         if (!gameAddress.isEmpty())
@@ -76,7 +72,7 @@ void PlayerListHandlers::onPlayerStatus(const protocol::PlayerStatusToClient &me
     const int row = m_model.findEntry(message.name);
     if (row < 0)
         return;
-    const bool buddy = protocol::readNumber(m_model.text(row, PlayerListModel::VanTrue)) == 1.0;
+    const bool buddy = m_model.isBuddy(row);
     m_model.setBold(row, buddy);
     const QString code = statusCode(message.presence, buddy);
     const QString oldAddress = m_model.text(row, PlayerListModel::IpToGame);

@@ -45,7 +45,7 @@ QVariant PlayerListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-        return row.texts[std::size_t(index.column())];
+        return columnText(row, Column(index.column()));
     case Qt::DecorationRole:
         if (index.column() == Name)
             return iconFor(row.icon);
@@ -176,12 +176,53 @@ QString PlayerListModel::text(int row, Column column) const
 {
     if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount)
         return {};
-    return rowAt(row).texts[std::size_t(column)];
+    return columnText(rowAt(row), column);
+}
+
+QString PlayerListModel::columnText(const PlayerRow &row, Column column)
+{
+    const bool typed = column == Index || column == VanTrue || column == PingBild;
+    if (!typed)
+        return row.texts[std::size_t(column)];
+    if (!row.id)
+        return {};
+    switch (column) {
+    case Index:
+        return QString::number(*row.id);
+    case VanTrue:
+        return row.buddy ? QStringLiteral("1") : QStringLiteral("0");
+    default:
+        return QString::number(row.savedIcon);
+    }
+}
+
+std::optional<qint64> PlayerListModel::id(int row) const
+{
+    return row >= 0 && row < rowCount() ? rowAt(row).id : std::nullopt;
+}
+
+bool PlayerListModel::isBuddy(int row) const
+{
+    return row >= 0 && row < rowCount() && rowAt(row).buddy;
+}
+
+void PlayerListModel::setBuddy(int row, bool buddy)
+{
+    if (row < 0 || row >= rowCount() || rowAt(row).buddy == buddy)
+        return;
+    rowAt(row).buddy = buddy;
+    emitRowChanged(row, VanTrue, VanTrue, {Qt::DisplayRole, Qt::EditRole});
+}
+
+int PlayerListModel::savedIcon(int row) const
+{
+    return row >= 0 && row < rowCount() ? rowAt(row).savedIcon : 0;
 }
 
 void PlayerListModel::setText(int row, Column column, const QString &text)
 {
-    if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount)
+    if (row < 0 || row >= rowCount() || column < 0 || column >= ColumnCount || column == Index ||
+        column == VanTrue || column == PingBild)
         return;
     PlayerRow &entry = rowAt(row);
     if (entry.texts[std::size_t(column)] == text)

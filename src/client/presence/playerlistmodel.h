@@ -10,12 +10,14 @@
 namespace client {
 
 // The player list `ListView2`: three group rows (lobby, playing, away) and one entry per
-// announced player. It is the client's only store of what it knows about other players; every
-// per-player value is a text column, found by the player's exact name.
+// announced player. It is the client's only store of what it knows about other players, found
+// by the player's exact name.
 //
-// Eleven text columns; only "Name" is meant to be shown, the other ten are the per-entry fields.
-// Each entry also has a small-icon index (1..11 of Icons), a bold flag and an optional text
-// colour.
+// Eleven columns; only "Name" is meant to be shown, the other ten are the per-entry fields.
+// Most are texts; the id, the buddy flag and the saved icon are kept typed (read them with
+// id(), isBuddy() and savedIcon()) and their columns show them in decimal, empty on a group
+// row. Each entry also has a small-icon index (1..11 of Icons), a bold flag and an optional
+// text colour.
 //
 // The model is always in display order: sorted on `playerStatus` as text, descending; entries
 // with the same code by name, case ignored (a name announced twice keeps the order of its
@@ -32,12 +34,12 @@ public:
         Name = 0,
         IpToGame,      // address of the game server the player is in, "" when none
         PlayerStatus,  // status code "1".."9" (see below), "" when unknown
-        Index,         // the player's numeric id, decimal text
+        Index,         // the player's numeric id: id()
         PictureLoaded, // "0" until the avatar is loaded
         Message,       // "1" while a private message from the player is unread
-        VanTrue,       // `vänTrue`: "1" for a buddy, else "0"
+        VanTrue,       // `vänTrue`: "1" for a buddy, else "0": isBuddy()
         IpToPlayer,    // never written
-        PingBild,      // the entry's normal icon index
+        PingBild,      // the entry's normal icon index: savedIcon()
         File,          // never written
         EpostHash,     // the player's e-mail hash, the avatar key
         ColumnCount
@@ -75,9 +77,16 @@ public:
     // The first row in display order whose name is `name` exactly; -1 when none.
     int findEntry(const QString &name) const;
 
+    // What a column shows, the typed ones in decimal.
     QString text(int row, Column column) const;
-    // Changing `playerStatus` moves the entry to its place in the order.
+    // Changing `playerStatus` moves the entry to its place in the order. The typed columns are
+    // not written as text: use setBuddy().
     void setText(int row, Column column, const QString &text);
+    // The statistics id of an entry; none for a group row or a row that is not there.
+    std::optional<qint64> id(int row) const;
+    bool isBuddy(int row) const;
+    void setBuddy(int row, bool buddy);
+    int savedIcon(int row) const;
     bool isBold(int row) const;
     void setBold(int row, bool bold);
     int icon(int row) const;
@@ -106,6 +115,7 @@ private:
     void track(const PlayerRow &row, int delta);
     void emitRowChanged(int row, int firstColumn, int lastColumn, const QList<int> &roles = {});
     QIcon iconFor(int index) const;
+    static QString columnText(const PlayerRow &row, Column column);
 
     PlayerOrder m_order;                         // the entries, in display order
     QHash<QString, QList<PlayerRow *>> m_byName; // every entry under its name

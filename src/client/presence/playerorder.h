@@ -5,16 +5,22 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace client {
 
-// One entry of the player list: its column texts, small-icon index, bold flag and text colour.
+// One entry of the player list: its column texts, typed values, small-icon index, bold flag
+// and text colour.
 struct PlayerRow
 {
     static constexpr int kColumns = 11;
 
+    // The texts of the columns that show the typed values below are not kept here.
     std::array<QString, kColumns> texts;
+    std::optional<qint64> id; // the player's statistics id; none on a group row
+    bool buddy = false;
+    int savedIcon = 0; // the icon the entry goes back to when a marker icon is cleared
     int icon = 0;
     bool bold = false;
     QColor colour; // invalid: the view's default colour

@@ -37,7 +37,7 @@ RoomListHandlers::~RoomListHandlers()
 void RoomListHandlers::onAddRoom(const protocol::AddRoomToClient &message)
 {
     m_rooms.appendRow({message.host, message.roomName, QString(), message.status,
-                       padLeft8(message.playerCount), QString()},
+                       padLeft8(message.playerCount.text), QString()},
                       message.hostAddress,
                       message.locked ? RoomListModel::LockedRoom : RoomListModel::OpenRoom);
 }
@@ -59,7 +59,7 @@ void RoomListHandlers::onRoomCount(const protocol::RoomCount &message)
 {
     const int row = m_rooms.findRoomRow(message.host);
     if (row >= 0)
-        m_rooms.setText(row, RoomListModel::Players, padLeft8(message.playerCount));
+        m_rooms.setText(row, RoomListModel::Players, padLeft8(message.playerCount.text));
 }
 
 void RoomListHandlers::onLockRoom(const protocol::LockRoomToClient &message)

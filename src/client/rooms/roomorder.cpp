@@ -55,6 +55,8 @@ int compareNaturally(QStringView left, QStringView right)
     return (left.size() - l > 0) - (right.size() - r > 0);
 }
 
+// Only a plain whole number ("  12") reads as one: this is how a person reads the cell, not
+// how a message field is read, so "2.5" or "1e3" sorts as text.
 std::optional<qint64> numberIn(const QString &cell)
 {
     bool ok = false;

@@ -81,14 +81,7 @@ QString gameTypeName(const QString &type)
 }
 
 // One player's block after its first line; nullopt when it is cut short or a value is bad.
-struct RecordRead
-{
-    protocol::StatsRecord record;
-    double p2 = 0;
-    double p3 = 0;
-};
-
-std::optional<RecordRead> readRecord(Lines &lines)
+std::optional<protocol::StatsRecord> readRecord(Lines &lines)
 {
     QStringList block; // lines 2 to 12 of the block
     for (int i = 0; i < 11; ++i) {
@@ -107,13 +100,11 @@ std::optional<RecordRead> readRecord(Lines &lines)
         return std::nullopt;
     const std::optional<double> p1Number = protocol::readNumber(*p1);
     const std::optional<qint16> p1Value = p1Number ? toInt16(*p1Number) : std::nullopt;
-    const std::optional<double> p2Number = protocol::readNumber(*p2);
-    const std::optional<double> p3Number = protocol::readNumber(*p3);
-    if (!p1Value || !p2Number || !p3Number)
+    const auto rounds = protocol::NumberText::read(*p2), kills = protocol::NumberText::read(*p3);
+    if (!p1Value || !rounds.value || !kills.value)
         return std::nullopt;
-    return RecordRead{{QString::number(*p1Value), *name, *p2, *p3, *p4, *p5, *p6, *p8, *p7},
-                      *p2Number,
-                      *p3Number};
+    return protocol::StatsRecord{
+        protocol::NumberText::of(*p1Value), *name, rounds, kills, *p4, *p5, *p6, *p8, *p7};
 }
 
 } // namespace
@@ -150,35 +141,35 @@ std::variant<ResultLog, ResultLogError> readResultLog(QByteArrayView content,
             break;
         if (log.records.size() == ResultLog::kMaxRecords)
             return ResultLogError::Records;
-        const std::optional<RecordRead> read = readRecord(lines);
-        if (!read)
+        const std::optional<protocol::StatsRecord> record = readRecord(lines);
+        if (!record)
             return ResultLogError::Records;
-        const std::optional<qint16> sum = toInt16(log.p3Sum + read->p3);
+        const std::optional<qint16> sum = toInt16(log.killSum + *record->kills.value);
         if (!sum)
             return ResultLogError::Records;
-        log.records.append(read->record);
-        if (read->record.playerName == localPlayerName)
+        log.records.append(*record);
+        if (record->playerName == localPlayerName)
             log.ownIndex = int(log.records.size());
-        if (read->p2 > 1)
-            ++log.p2Count;
-        log.p3Sum = *sum;
+        if (*record->rounds.value > 1)
+            ++log.severalRoundsCount;
+        log.killSum = *sum;
     }
     return log;
 }
 
 std::optional<protocol::StatsUpload> statsUploadOf(const ResultLog &log)
 {
-    if (log.p3Sum > log.records.size() || log.p3Sum > log.p2Count)
+    if (log.killSum > log.records.size() || log.killSum > log.severalRoundsCount)
         return std::nullopt;
     if (log.gameType != kSurvival && log.gameType != kTeamSurvival)
         return std::nullopt;
     protocol::StatsUpload upload{log.ownIndex, log.headerA, log.gameType, log.headerB, {}};
     for (protocol::StatsRecord record : log.records) {
         record.playerName = filterName(record.playerName);
-        record.p7 = filterName(record.p7);
+        record.killedBy = filterName(record.killedBy);
         // A Survival player killed by himself: that kill does not count.
-        if (log.gameType == kSurvival && record.p7 == record.playerName)
-            record.p3 = QString::number(*protocol::readNumber(record.p3) - 1, 'g', 15);
+        if (log.gameType == kSurvival && record.killedBy == record.playerName)
+            record.kills = protocol::NumberText::of(record.kills.value.value_or(0) - 1);
         upload.records.append(record);
     }
     return upload;

@@ -23,12 +23,12 @@ struct ResultLog
     QString headerA;
     QString gameType; // the German names already turned into "Survival" / "Team Survival"
     QString headerB;
-    // In file order, as the log holds them: names not filtered, P3 not adjusted, P1 as the
+    // In file order, as the log holds them: names not filtered, kills not adjusted, P1 as the
     // 16-bit number it was read as.
     QList<protocol::StatsRecord> records;
-    int ownIndex = 0; // 1-based position of the last record of the local player; 0: none
-    int p2Count = 0;  // records whose P2 is greater than 1
-    qint16 p3Sum = 0; // P3 added up, rounded to a whole number (halves to even) at each step
+    int ownIndex = 0;           // 1-based position of the last record of the local player; 0: none
+    int severalRoundsCount = 0; // records with more than one round played
+    qint16 killSum = 0; // kills added up, rounded to a whole number (halves to even) at each step
 };
 
 // Where reading a log failed, numbered as the report to the lobby's service account tells it.

@@ -36,7 +36,8 @@ QByteArray roomAnnouncement(const Room &room)
                                      .roomName = room.name,
                                      .hostAddress = room.address,
                                      .status = protocol::roomStatusText(room.status),
-                                     .playerCount = QString::number(room.members.size()),
+                                     .playerCount =
+                                         protocol::NumberText::of(double(room.members.size())),
                                      .locked = !room.password.isEmpty()}
         .encode();
 }

@@ -161,9 +161,9 @@ void LoginHandler::admit(Session &session, const Account &account)
     session.connection().setSilenceLimit(m_config.idleTimeoutMs);
     m_lobby.add(&session);
 
-    QByteArray welcome =
-        protocol::LoginAccepted{.statsId = QString::number(account.id), .name = account.name}
-            .encode();
+    QByteArray welcome = protocol::LoginAccepted{.statsId = protocol::NumberText::of(account.id),
+                                                 .name = account.name}
+                             .encode();
     for (const Session *other : m_lobby.sessions()) {
         const Player &p = other->player();
         welcome += playerAnnouncement(p, player.buddies.contains(p.accountId));

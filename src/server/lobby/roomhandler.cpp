@@ -30,7 +30,8 @@ void sendToMembers(const Room &room, const QByteArray &bytes, const Session *exc
 
 QByteArray memberCount(const Room &room)
 {
-    return RoomCount{.host = room.hostName, .playerCount = QString::number(room.members.size())}
+    return RoomCount{.host = room.hostName,
+                     .playerCount = protocol::NumberText::of(double(room.members.size()))}
         .encode();
 }
 

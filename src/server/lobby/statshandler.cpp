@@ -1,6 +1,5 @@
 #include "server/lobby/statshandler.h"
 
-#include "protocol/number.h"
 #include "server/core/serverlog.h"
 #include "server/lobby/accountlimits.h"
 #include "server/net/messagerouter.h"
@@ -47,15 +46,6 @@ std::variant<StatsUpload, QString> StatsHandler::check(const Message &message)
         return QStringLiteral("own index %1 names none of %2 records")
             .arg(upload.ownIndex)
             .arg(count);
-    for (qsizetype i = 0; i < count; ++i) {
-        const StatsRecord &r = upload.records[i];
-        for (const auto &[name, value] : {std::pair{"P1", &r.p1}, {"P2", &r.p2}, {"P3", &r.p3}}) {
-            if (!protocol::readNumber(*value))
-                return QStringLiteral("record %1: %2 \"%3\" is not a number")
-                    .arg(i + 1)
-                    .arg(QLatin1String(name), *value);
-        }
-    }
     return std::move(*decoded);
 }
 

@@ -111,9 +111,9 @@ StatsStore::Added StatsStore::addRound(int uploaderId, const protocol::StatsUplo
             round.addBindValue(notNull(upload.gameType));
             round.addBindValue(notNull(upload.headerA));
             round.addBindValue(notNull(upload.headerB));
-            round.addBindValue(protocol::readNumber(own.p1).value_or(0));
-            round.addBindValue(protocol::readNumber(own.p2).value_or(0));
-            round.addBindValue(protocol::readNumber(own.p3).value_or(0));
+            round.addBindValue(own.p1.value.value_or(0));
+            round.addBindValue(own.rounds.value.value_or(0));
+            round.addBindValue(own.kills.value.value_or(0));
             if (!run(round, error))
                 return false;
             const qint64 id = round.lastInsertId().toLongLong();
@@ -129,7 +129,8 @@ StatsStore::Added StatsStore::addRound(int uploaderId, const protocol::StatsUplo
                 record.bindValue(1, i + 1);
                 int column = 2;
                 for (const QString *field :
-                     {&r.p1, &r.playerName, &r.p2, &r.p3, &r.p4, &r.p5, &r.p6, &r.p8, &r.p7})
+                     {&r.p1.text, &r.playerName, &r.rounds.text, &r.kills.text, &r.p4, &r.p5, &r.p6,
+                      &r.p8, &r.killedBy})
                     record.bindValue(column++, notNull(*field));
                 if (!run(record, error))
                     return false;
@@ -142,9 +143,9 @@ StatsStore::Added StatsStore::addRound(int uploaderId, const protocol::StatsUplo
                 "ON CONFLICT (account_id) DO UPDATE SET rounds = rounds + 1, "
                 "p1 = p1 + excluded.p1, p2 = p2 + excluded.p2, p3 = p3 + excluded.p3"));
             totals.addBindValue(uploaderId);
-            totals.addBindValue(protocol::readNumber(own.p1).value_or(0));
-            totals.addBindValue(protocol::readNumber(own.p2).value_or(0));
-            totals.addBindValue(protocol::readNumber(own.p3).value_or(0));
+            totals.addBindValue(own.p1.value.value_or(0));
+            totals.addBindValue(own.rounds.value.value_or(0));
+            totals.addBindValue(own.kills.value.value_or(0));
             return run(totals, error);
         });
     switch (outcome) {
@@ -268,7 +269,8 @@ QList<StoredRound> StatsStore::recentRounds(int accountId, int limit) const
             continue;
         while (records.next()) {
             const auto f = [&records](int i) { return records.value(i).toString(); };
-            round.records.append({f(0), f(1), f(2), f(3), f(4), f(5), f(6), f(7), f(8)});
+            const auto n = [&f](int i) { return protocol::NumberText::read(f(i)); };
+            round.records.append({n(0), f(1), n(2), n(3), f(4), f(5), f(6), f(7), f(8)});
         }
     }
     return rounds;

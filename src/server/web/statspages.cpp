@@ -69,8 +69,9 @@ QString roundSection(const StoredRound &round)
     QStringList classes;
     for (qsizetype i = 0; i < round.records.size(); ++i) {
         const protocol::StatsRecord &r = round.records[i];
-        rows.append({QString::number(i + 1), text(r.playerName), text(r.p1), text(r.p2), text(r.p3),
-                     text(r.p4), text(r.p5), text(r.p6), text(r.p7), text(r.p8)});
+        rows.append({QString::number(i + 1), text(r.playerName), text(r.p1.text),
+                     text(r.rounds.text), text(r.kills.text), text(r.p4), text(r.p5), text(r.p6),
+                     text(r.killedBy), text(r.p8)});
         classes.append(i + 1 == round.ownIndex ? QStringLiteral("own") : QString());
     }
     return heading(3, text(timeText(round.received) + QStringLiteral(", ") + round.gameType)) +

@@ -65,7 +65,7 @@ struct Session
         server.send("SL\x0F");
         if (!server.expect(protocol::Login{c.name, c.password}.encode()))
             return false;
-        server.send(protocol::LoginAccepted{"42", "x"}.encode());
+        server.send(protocol::LoginAccepted{protocol::NumberText::of(42), "x"}.encode());
         return QTest::qWaitFor([this] { return state.isOnline(); });
     }
 };

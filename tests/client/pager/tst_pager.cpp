@@ -61,10 +61,10 @@ private Q_SLOTS:
         sounds.setSoundsOn(true);
         sounds.setGameFolder(game.path());
         PlayerListModel players;
-        for (const auto &[name, id] : {std::pair{"ann", "11"}, std::pair{"bob", "12"}}) {
+        for (const auto &[name, id] : {std::pair{"ann", 11}, std::pair{"bob", 12}}) {
             PlayerListModel::Entry entry;
             entry.texts[PlayerListModel::Name] = name;
-            entry.texts[PlayerListModel::Index] = id;
+            entry.id = id;
             entry.texts[PlayerListModel::Message] = QStringLiteral("0");
             players.addEntry(entry);
         }
@@ -87,8 +87,7 @@ private Q_SLOTS:
         const int row = players.findEntry(from);
         QCOMPARE(players.icon(row) == Icons::UnreadMessage, unread);
         if (!line.isEmpty())
-            QCOMPARE(pager.history(players.text(row, PlayerListModel::Index).toLongLong()),
-                     line + "\r\n");
+            QCOMPARE(pager.history(players.id(row).value_or(0)), line + "\r\n");
     }
 };
 

@@ -161,7 +161,6 @@ private Q_SLOTS:
         const QStringList three{"Bob|c|3", "al|c|12", "Cy|c|100"};
         QTest::newRow("first click on Host flips") << three << QList<int>{0} << "N/A Cy Bob al";
         QTest::newRow("second click on Host") << three << QList<int>{0, 0} << "al Bob Cy N/A";
-        QTest::newRow("Players by count") << three << QList<int>{4} << "Bob al Cy N/A";
         QTest::newRow("other column keeps descending")
             << three << QList<int>{0, 4} << "N/A Cy al Bob";
         QTest::newRow("out-of-range column ignored")

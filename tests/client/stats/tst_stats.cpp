@@ -6,7 +6,6 @@
 #include "client/settings/options.h"
 #include "client/stats/resultlog.h"
 #include "client/stats/resultlogname.h"
-#include "client/stats/resultlogwatch.h"
 #include "client/ui/picturebutton.h"
 #include "protocol/chat.h"
 #include "protocol/cp1252.h"
@@ -38,7 +37,16 @@ struct Player
 StatsRecord record(int team, const QString &name, const QString &p2, const QString &p3,
                    const QString &p7)
 {
-    return {QString::number(team), name, p2, p3, "1", "30", "10", "33", p7};
+    using protocol::NumberText;
+    return {NumberText::of(team),
+            name,
+            NumberText::read(p2),
+            NumberText::read(p3),
+            "1",
+            "30",
+            "10",
+            "33",
+            p7};
 }
 
 // A log laid out as the game writes it: 'Key' 'Value' header lines, then twelve lines per
@@ -215,8 +223,11 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(kFakeGame, r.game + "/roguespear.exe"));
         QVERIFY(r.h.app.folderWatcher().startNotify(r.game));
         r.h.clock.set(QDateTime::currentDateTime());
-        const QList<StatsRecord> records{{"1", "Bob", "2", "1", "0", "30", "10", "33", ""},
-                                         {"2", "Al", "2", "0", "1", "31", "11", "33", "Bob"}};
+        QList<StatsRecord> records{record(1, "Bob", "2", "1", ""),
+                                   record(2, "Al", "2", "0", "Bob")};
+        records[0].p4 = "0";
+        records[1].p5 = "31";
+        records[1].p6 = "11";
         const QByteArray ds =
             StatsUpload{2, "Training Grounds", "Survival", "Rogue Spear", records}.encode();
         ServerProcess game;
@@ -251,7 +262,7 @@ private Q_SLOTS:
         r.h.clock.set(QDateTime::currentDateTime().addSecs(age));
         const QByteArray sent = r.sentDuring([&] {
             writeFile(r.game + "/RSResults7.log", log);
-            QTest::qWait(int(ResultLogWatch::kSettleTime.count()) + 200);
+            QVERIFY(waitUntil([&] { return r.server.received().contains("PMQUORVEL"); }));
         });
         if (age > 0)
             QVERIFY2(sent.startsWith(expected) && sent.contains(" - "), sent.constData());
