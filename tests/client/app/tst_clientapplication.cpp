@@ -19,6 +19,7 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
@@ -195,14 +196,13 @@ private Q_SLOTS:
         QVERIFY(h.app.start());
         QTest::mouseClick(h.app.form().Picture4, Qt::LeftButton);
         QVERIFY(!h.app.form().isVisible());
-        QWidget *menu = h.app.windows().frmMenu();
-        menu->show();
-        connect(&h.app, &ClientApplication::shutDownFinished, this,
-                [] { QCoreApplication::exit(1); });
-        QTimer::singleShot(0, menu, &QWidget::close);
-        QTimer::singleShot(100, &h.tray, &FakeTray::chooseQuit);
-        QTimer::singleShot(5000, &h.app, [] { QCoreApplication::exit(2); });
-        QCOMPARE(QCoreApplication::exec(), 1);
+        QSignalSpy finished(&h.app, &ClientApplication::shutDownFinished);
+        h.app.windows().frmMenu()->show();
+        h.app.windows().frmMenu()->close();
+        QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
+        QCOMPARE(finished.count(), 0);
+        h.tray.chooseQuit();
+        QCOMPARE(finished.count(), 1);
         QVERIFY(h.app.session().exitPager);
         QVERIFY(!h.tray.shown);
     }
