@@ -44,7 +44,7 @@ public:
     PictureButton *picOptions;      // the options window
     PictureButton *picCreateRoom;   // create a room; only while logged in
     PictureButton *picResetStats;   // reset statistics; only while logged in
-    PictureButton *picViewStats;    // statistics page; tag holds the statistics id
+    PictureButton *picViewStats;    // the own statistics page (the session's statistics id)
     PictureButton *picRefreshPings; // ping the running games again
     PictureButton *Picture3;        // send the chat line
     QTreeView *ListView1;           // rooms and running games

@@ -36,6 +36,12 @@ RoomSession::RoomSession(RoomState &room, RoomListModel &rooms, LobbyDispatcher 
       m_connection(connection), m_session(session), m_dialogs(dialogs),
       m_ownName(std::move(ownName))
 {
+    // The login opens the way, the logout or a drop closes it; entering a room closes it and
+    // leaving one opens it again.
+    connect(&session, &SessionState::onlineChanged, this,
+            [this](bool online) { m_canCreateOrJoin = online; });
+    connect(this, &RoomSession::createRoomButtonShown, this,
+            [this](bool shown) { m_canCreateOrJoin = shown; });
     dispatcher.on<protocol::MemberJoined>([this](const auto &m) { onMemberJoined(m); });
     dispatcher.on<protocol::MemberLeft>([this](const auto &m) { onMemberLeft(m); });
     dispatcher.on<protocol::RoomChat>([this](const auto &m) { onRoomChat(m); });

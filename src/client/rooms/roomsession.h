@@ -46,12 +46,14 @@ public:
     ~RoomSession() override;
 
     QString ownName() const { return m_ownName(); }
+    // Whether the user may create a room or join one: logged in and in no room, which is
+    // also when the create-room button shows.
+    bool canCreateOrJoin() const { return m_canCreateOrJoin; }
 
     // "Make room": opens the room with the user as its host, announced with the name as typed.
     void createRoom(const QString &roomName);
     // A double-click on row `row` of the room list: joins the room, or starts the game as a
-    // client of a running game. The caller lets it through only while creating and joining
-    // are possible (the create-room button is shown).
+    // client of a running game. The caller lets it through only while `canCreateOrJoin`.
     void joinRow(int row);
 
     // The room chat's send: a non-empty line goes out as typed. False when there was nothing
@@ -104,6 +106,7 @@ private:
     SessionState &m_session;
     Dialogs &m_dialogs;
     OwnName m_ownName;
+    bool m_canCreateOrJoin = false;
 };
 
 } // namespace client

@@ -31,7 +31,7 @@ public:
     QDateTime textSendTime; // last accepted chat or pager send (shared 3 s guard)
     int keepAliveTicks = 1; // 1..3, ticks of the detection timer
     bool inGame = false;    // the local game runs on a server
-    QString lobbyStatsId;   // the player's statistics id, from the login
+    QString lobbyStatsId;   // the player's statistics id, from the login (his stats page)
     QString ownName;        // the saved name, then the name this client logged in with
 
     // The logged-in flag (the Tag of `picLogIn`: "ONLINE" / "OFFLINE").

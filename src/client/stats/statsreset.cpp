@@ -8,14 +8,24 @@
 #include "client/settings/options.h"
 #include "protocol/stats.h"
 
+#include <QTimer>
+
 namespace client {
 
 StatsReset::StatsReset(LobbyConnection &connection, const SessionState &session,
                        const Options &options, KeyState &keys, EventSounds &sounds,
                        Dialogs &dialogs, QObject *parent)
     : QObject(parent), m_connection(connection), m_session(session), m_options(options),
-      m_keys(keys), m_sounds(sounds), m_dialogs(dialogs)
+      m_keys(keys), m_sounds(sounds), m_dialogs(dialogs), m_tmrStatsReset(new QTimer(this))
 {
+    m_tmrStatsReset->setObjectName(QStringLiteral("tmrStatsReset"));
+    m_tmrStatsReset->setInterval(kPollInterval);
+    connect(m_tmrStatsReset, &QTimer::timeout, this, &StatsReset::pollHotKey);
+    const auto follow = [this](bool on) {
+        on ? m_tmrStatsReset->start() : m_tmrStatsReset->stop();
+    };
+    connect(&options, &Options::resetChanged, this, follow);
+    follow(options.reset());
 }
 
 void StatsReset::picResetStatsClicked()

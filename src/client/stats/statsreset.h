@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+class QTimer;
+
 namespace client {
 
 class Dialogs;
@@ -13,15 +15,17 @@ class SessionState;
 
 // The reset of the player's recorded statistics ("RS"), from the lobby or from inside a game.
 // The main window's reset button (`picResetStats`) asks first. The hot key is polled on each
-// tick of `tmrStatsReset` (every 500 ms while the reset option is on): while a game runs and
-// the key is down, the reset sound plays, whatever the sound option says, so that the player
-// hears it in the game, and "RS" goes out. A key held down resets once per tick. "RS" is sent
-// only while connected, and never kept for later.
+// tick of its own timer `tmrStatsReset`, which runs every 500 ms exactly while the reset
+// option is on: while a game runs and the key is down, the reset sound plays, whatever the
+// sound option says, so that the player hears it in the game, and "RS" goes out. A key held down
+// resets once per tick. "RS" is sent only while connected, and never kept for later.
 class StatsReset : public QObject
 {
     Q_OBJECT
 
 public:
+    static constexpr int kPollInterval = 500; // ms
+
     StatsReset(LobbyConnection &connection, const SessionState &session, const Options &options,
                KeyState &keys, EventSounds &sounds, Dialogs &dialogs, QObject *parent = nullptr);
 
@@ -42,6 +46,7 @@ private:
     KeyState &m_keys;
     EventSounds &m_sounds;
     Dialogs &m_dialogs;
+    QTimer *m_tmrStatsReset;
     bool m_unavailableTold = false;
 };
 

@@ -1,5 +1,6 @@
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
+#include "client/app/startupsequence.h"
 #include "client/game/frmgameinfo.h"
 #include "client/lobby/credentialsfile.h"
 #include "client/login/frmlogin.h"
@@ -9,6 +10,7 @@
 #include "client/presence/frmmenu.h"
 #include "client/rooms/frmmakeroom.h"
 #include "client/rooms/frmroom.h"
+#include "client/rooms/roomsession.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/borderlesswindow.h"
 #include "client/ui/picturebutton.h"
@@ -17,11 +19,13 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <functional>
 
 using namespace client;
 
@@ -30,33 +34,11 @@ class TestClientApplication : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // Start-up makes the data folder, shows the window and the tray icon, loads the options
-    // (telling the user when no game is found) and owns its timers without starting them.
-    void startUp()
-    {
-        AppHarness h;
-        QVERIFY(h.app.start());
-        QVERIFY(QDir(h.dataFolder()).exists());
-        QVERIFY(h.app.form().isVisible());
-        QVERIFY(h.tray.shown);
-        QCOMPARE(h.app.session().textSendTime, h.clock.now());
-        QCOMPARE(h.app.session().webHost, QStringLiteral("localhost"));
-        QCOMPARE(h.dialogs.asked,
-                 (QStringList{"Could not find path to game, select at least one game in options",
-                              QString(ClientApplication::kOfferOptionsText) + " [Yes/No]"}));
-        const QList<std::pair<const char *, int>> timers = {
-            {"tmrReconnet", 20000}, {"Timer1", 10000}, {"tmrStatsReset", 500}};
-        for (const auto &[name, interval] : timers) {
-            const auto *timer = h.app.findChild<QTimer *>(QLatin1String(name));
-            QVERIFY2(timer, name);
-            QCOMPARE(timer->interval(), interval);
-            QVERIFY(!timer->isActive());
-        }
-    }
-
-    // A first start leads the user in: after the warning about the game folders the options
-    // are offered, and without a saved login the login window opens (after the options, when
-    // they were taken). A saved login opens nothing. Escape closes both windows.
+    // Start-up makes the data folder, shows the window and the tray icon and owns its timers
+    // without starting them. A first start leads the user in: after the warning about the game
+    // folders the options are offered, and without a saved login the login window opens (after
+    // the options, when they were taken). A saved login opens nothing. Escape closes both
+    // windows.
     void firstStart_data()
     {
         QTest::addColumn<bool>("savedLogin");
@@ -78,7 +60,19 @@ private Q_SLOTS:
         h.dialogs.answers = {Dialogs::Answer::Ok,
                              takeOptions ? Dialogs::Answer::Yes : Dialogs::Answer::No};
         QVERIFY(h.app.start());
-        QCOMPARE(h.dialogs.asked.size(), 2);
+        QVERIFY(QDir(h.dataFolder()).exists());
+        QVERIFY(h.app.form().isVisible());
+        QVERIFY(h.tray.shown);
+        QCOMPARE(h.app.session().textSendTime, h.clock.now());
+        QCOMPARE(h.app.session().webHost, QStringLiteral("localhost"));
+        for (const auto &[name, interval] :
+             QList<std::pair<const char *, int>>{{"tmrReconnet", 20000}, {"Timer1", 10000}}) {
+            const auto *timer = h.app.findChild<QTimer *>(QLatin1String(name));
+            QVERIFY2(timer && timer->interval() == interval && !timer->isActive(), name);
+        }
+        QCOMPARE(h.dialogs.asked,
+                 (QStringList{"Could not find path to game, select at least one game in options",
+                              QString(StartupSequence::kOfferOptionsText) + " [Yes/No]"}));
         AppWindows &windows = h.app.windows();
         QCOMPARE(windows.isOptionsShown(), takeOptions);
         if (takeOptions) {
@@ -92,6 +86,26 @@ private Q_SLOTS:
             QTest::keyClick(windows.frmLogIn()->txtName, Qt::Key_Escape);
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             QVERIFY(!windows.isLoginLoaded());
+        }
+    }
+
+    // Creating and joining are possible while logged in and in no room, which is when the
+    // create-room button shows.
+    void createAndJoinWhileLoggedInAndInNoRoom()
+    {
+        AppHarness h;
+        QVERIFY(h.app.start());
+        RoomSession &rooms = h.app.roomSession();
+        const QList<std::pair<std::function<void()>, bool>> steps = {
+            {[&] { h.app.session().setOnline(true); }, true},
+            {[&] { rooms.createRoom(QStringLiteral("r")); }, false},
+            {[&] { rooms.leave(); }, true},
+            {[&] { h.app.session().setOnline(false); }, false},
+        };
+        for (const auto &[step, possible] : steps) {
+            step();
+            QCOMPARE(rooms.canCreateOrJoin(), possible);
+            QCOMPARE(!h.app.form().picCreateRoom->isHidden(), possible);
         }
     }
 
@@ -182,14 +196,13 @@ private Q_SLOTS:
         QVERIFY(h.app.start());
         QTest::mouseClick(h.app.form().Picture4, Qt::LeftButton);
         QVERIFY(!h.app.form().isVisible());
-        QWidget *menu = h.app.windows().frmMenu();
-        menu->show();
-        connect(&h.app, &ClientApplication::shutDownFinished, this,
-                [] { QCoreApplication::exit(1); });
-        QTimer::singleShot(0, menu, &QWidget::close);
-        QTimer::singleShot(100, &h.tray, &FakeTray::chooseQuit);
-        QTimer::singleShot(5000, &h.app, [] { QCoreApplication::exit(2); });
-        QCOMPARE(QCoreApplication::exec(), 1);
+        QSignalSpy finished(&h.app, &ClientApplication::shutDownFinished);
+        h.app.windows().frmMenu()->show();
+        h.app.windows().frmMenu()->close();
+        QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
+        QCOMPARE(finished.count(), 0);
+        h.tray.chooseQuit();
+        QCOMPARE(finished.count(), 1);
         QVERIFY(h.app.session().exitPager);
         QVERIFY(!h.tray.shown);
     }

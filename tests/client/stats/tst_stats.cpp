@@ -23,8 +23,6 @@ using protocol::StatsUpload;
 
 namespace {
 
-const QByteArray kReset = protocol::StatsReset{}.encode();
-
 // A player of a hand-made log; the fields the client does not read are fixed.
 struct Player
 {
@@ -270,54 +268,6 @@ private Q_SLOTS:
             QCOMPARE(sent, expected);
     }
 
-    void resetButtonAsksFirst()
-    {
-        Rig r;
-        r.h.dialogs.answers = {Dialogs::Answer::No, Dialogs::Answer::Yes};
-        QCOMPARE(r.sentDuring([&] { r.h.app.form().picResetStats->click(); }), QByteArray());
-        QCOMPARE(r.h.dialogs.asked, QStringList{"Are you sure? [Yes/No]"});
-        QCOMPARE(r.sentDuring([&] { r.h.app.form().picResetStats->click(); }), kReset);
-    }
-
-    // The hot-key poll: a reset, with its sound whatever the sound option says,
-    // only in a game and with the captured key down.
-    void hotKeyPoll_data()
-    {
-        QTest::addColumn<bool>("inGame");
-        QTest::addColumn<QString>("tag");
-        QTest::addColumn<int>("down");
-        QTest::addColumn<bool>("readable");
-        QTest::addColumn<bool>("resets");
-        QTest::newRow("in game, F5 down") << true << "116" << 116 << true << true;
-        QTest::newRow("no game") << false << "116" << 116 << true << false;
-        QTest::newRow("another key down") << true << "116" << 117 << true << false;
-        QTest::newRow("no key captured") << true << "" << 0 << true << false;
-        QTest::newRow("keyboard unreadable") << true << "116" << 116 << false << false;
-    }
-    void hotKeyPoll()
-    {
-        QFETCH(bool, inGame);
-        QFETCH(QString, tag);
-        QFETCH(int, down);
-        QFETCH(bool, readable);
-        QFETCH(bool, resets);
-        Rig r;
-        r.h.app.session().inGame = inGame;
-        r.h.app.options().setHotKeyTag(tag);
-        r.h.keys.down = {down};
-        r.h.keys.available = readable;
-        // One tick of the poll, which runs while the reset option is on.
-        QCOMPARE(r.sentDuring([&] {
-            r.h.app.options().setReset(true);
-            QTest::qWait(700);
-            r.h.app.options().setReset(false);
-        }),
-                 resets ? kReset : QByteArray());
-        QCOMPARE(r.h.player.played.size(), resets ? 1 : 0);
-        if (resets)
-            QVERIFY(r.h.player.played.first().endsWith("/data/sound/English/ref_clr1.wav"));
-    }
-
     // Every statistics address is the web host, "?p=stats&id=" and the id: the own page from
     // `picViewStats` after the login gave the id, a player's from the pager.
     void statsPagesOpenTheWebHost_data()
@@ -339,7 +289,7 @@ private Q_SLOTS:
         r.h.app.session().webHost = webHost;
         r.h.app.session().webPort = port;
         m_opened.clear();
-        r.h.app.form().picViewStats->setTag("42");
+        r.h.app.session().lobbyStatsId = "42";
         r.h.app.form().picViewStats->click();
         Q_EMIT r.h.app.pager().statsPageRequested("7");
         QCOMPARE(m_opened, (QStringList{"http://" + host + "?p=stats&id=42",
