@@ -7,8 +7,8 @@ namespace client {
 
 // A flat button that is only its picture, like the picture buttons of the lobby windows; a
 // short text, when set, is drawn over the picture (a count, a wait).
-// Carries a free text `tag` that some buttons use as state (`picLogIn` holds the logged-in
-// flag, `picViewStats` the statistics id).
+// Carries a free text `tag` that some buttons show state by (`picLogIn` holds the logged-in
+// flag); the program reads its state from the models, never from a tag.
 class PictureButton : public QAbstractButton
 {
     Q_OBJECT
