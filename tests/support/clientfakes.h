@@ -19,7 +19,6 @@ public:
     bool available = true;
     bool shown = false;
     QString tip;
-    int modifications = 0;
 
     bool isAvailable() const override { return available; }
     void add(const QIcon &, const QString &text) override
@@ -30,7 +29,6 @@ public:
     void modify(const QIcon &, const QString &text) override
     {
         tip = text;
-        ++modifications;
     }
     void remove() override { shown = false; }
     bool isShown() const override { return shown; }
