@@ -8,7 +8,6 @@
 #include "server/admin/serveroptions.h"
 #include "server/lobby/accountlimits.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QSqlQuery>
@@ -236,10 +235,10 @@ private Q_SLOTS:
         });
         flood.start(5);
         QVERIFY(waitUntil([&] { return sent >= 200; }));
-        QElapsedTimer answered;
-        answered.start();
+        // Answered while the flood goes on, before another 400 abandoned logins have come: a
+        // bound in the flood's own pace rather than in wall-clock time.
         QVERIFY(lobby.connected(loopback(300))->login("Anna", "pw"));
-        QCOMPARE_LT(answered.elapsed(), 2000);
+        QCOMPARE_LT(sent, 600);
         flood.stop();
     }
 
