@@ -153,8 +153,8 @@ private Q_SLOTS:
             << "aQUORVEL: bc";
         QTest::newRow("soft hyphen")
             << Code::ChatLine << QStringList{"QUOR\u00ADVEL"} << 2 << "QUORVEL";
-        QTest::newRow("chat line") << Code::ChatLine << QStringList{QString(600, 'x')} << 2
-                                   << QString(512, 'x');
+        QTest::newRow("chat line")
+            << Code::ChatLine << QStringList{QString(600, 'x')} << 2 << QString(512, 'x');
         QTest::newRow("room name")
             << Code::AddRoom << QStringList{QString(30, 'r')} << 1 << QString(20, 'r');
         QTest::newRow("address") << Code::PlayerStatus << QStringList{"2", QString(100, '1')} << 2

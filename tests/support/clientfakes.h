@@ -26,10 +26,7 @@ public:
         shown = true;
         tip = text;
     }
-    void modify(const QIcon &, const QString &text) override
-    {
-        tip = text;
-    }
+    void modify(const QIcon &, const QString &text) override { tip = text; }
     void remove() override { shown = false; }
     bool isShown() const override { return shown; }
     void showMessage(const QString &title, const QString &text) override
