@@ -1,5 +1,5 @@
-// Lobby chat and private messages: who receives what, the cleaning of relayed text, the
-// shared rate limit and the service account's diagnostics.
+// Lobby chat and private messages: who receives what, the shared rate limit and the service
+// account's diagnostics. (The cleaning of relayed text is the hostile tests'.)
 #include "lobbytest.h"
 #include "server/core/ratelimiter.h"
 
@@ -8,17 +8,6 @@ class TestChat : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // Lines reach every player, without framing bytes and cut to 512 bytes after those go.
-    void chatReachesEveryoneCleaned()
-    {
-        TestLobby lobby;
-        auto [anna, bert] = lobby.loggedIn("Anna", "Bert");
-        anna->sendRaw(wire(Code::ChatLine) + "a\x0Ez" + QByteArray(600, 'x') + '\x0F');
-        for (TestClient *client : {anna, bert})
-            QCOMPARE(client->fields(Code::ChatLine),
-                     Rows({{"Anna", "0", "az" + QString(510, 'x')}}));
-    }
-
     // At most five lines in any ten seconds; a refused line does not count.
     void rateLimiterSlides()
     {

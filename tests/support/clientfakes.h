@@ -19,7 +19,6 @@ public:
     bool available = true;
     bool shown = false;
     QString tip;
-    int modifications = 0;
 
     bool isAvailable() const override { return available; }
     void add(const QIcon &, const QString &text) override
@@ -27,11 +26,7 @@ public:
         shown = true;
         tip = text;
     }
-    void modify(const QIcon &, const QString &text) override
-    {
-        tip = text;
-        ++modifications;
-    }
+    void modify(const QIcon &, const QString &text) override { tip = text; }
     void remove() override { shown = false; }
     bool isShown() const override { return shown; }
     void showMessage(const QString &title, const QString &text) override

@@ -17,10 +17,6 @@ class ScriptedServer : public QObject
     Q_OBJECT
 
 public:
-    // How long a test lets the client run to show that it does not do something: several
-    // times the shortest interval a test gives a client timer.
-    static constexpr int kQuietMs = 100;
-
     explicit ScriptedServer(QObject *parent = nullptr);
 
     quint16 port() const { return m_server.serverPort(); }
