@@ -11,6 +11,7 @@
 #include "client/platform/folderwatcher.h"
 #include "client/platform/proctcptable.h"
 #include "client/rooms/roomlistmodel.h"
+#include "client/rooms/roomsession.h"
 #include "client/session/sessionstate.h"
 #include "client/settings/options.h"
 #include "protocol/login.h"
@@ -77,7 +78,7 @@ class TestGameFlow : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // The host presses Start twice: one game server and one "In game". The detection tick
+    // The host presses Start twice: one game server, and "In game" once it runs. The detection tick
     // that finds it says "playing" on "host" once, hides the lobby and watches the game
     // folder; the tick after the game ended says "lobby", tells the room "In chat" and shows
     // the lobby again. A game restarted by hand turns the room back to "In game".
@@ -90,8 +91,9 @@ private Q_SLOTS:
         session.serverStatus = "In chat"; // a room is open
 
         QCOMPARE(r.sentDuring([&] {
-            r.h.app.launchSites().startGame();
-            r.h.app.launchSites().startGame();
+            r.h.app.roomSession().startGame();
+            r.h.app.roomSession().startGame();
+            QVERIFY(waitUntil([&] { return session.serverStatus == "In game"; }, 10000));
         }),
                  room(RoomStatus::InGame));
         QCOMPARE(r.h.games.commandLines, (QList<QStringList>{{kGame, "-server", "2346"}}));
@@ -161,9 +163,9 @@ private Q_SLOTS:
         r.h.dialogs.asked.clear(); // the options' missing-folder notice
         r.h.app.session().serverStatus = "In chat";
         QCOMPARE(r.sentDuring([&] {
-            r.h.app.launchSites().startGame();
+            r.h.app.roomSession().startGame();
             r.h.app.options().setPathRS(empty.path());
-            r.h.app.launchSites().startGame();
+            r.h.app.roomSession().startGame();
         }),
                  QByteArray());
         QCOMPARE(r.h.app.session().serverStatus, QString("In chat"));
