@@ -18,6 +18,7 @@
 #include "protocol/presence.h"
 #include "protocol/rooms.h"
 #include "support/appharness.h"
+#include "support/files.h"
 #include "support/scriptedserver.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"
@@ -153,8 +154,8 @@ private Q_SLOTS:
                  (QStringList{"-client", "10.0.0.5", "2346"}));
     }
 
-    // A game that cannot start (no folder set, no game in it) is told in a message box; the
-    // room stays as it was and the client goes on.
+    // A game that cannot start (no folder set, no game in it, a game that ends at once) is
+    // told in a message box; the room stays as it was and the client goes on.
     void failedStartIsTold()
     {
         QTemporaryDir empty;
@@ -166,10 +167,14 @@ private Q_SLOTS:
             r.h.app.roomSession().startGame();
             r.h.app.options().setPathRS(empty.path());
             r.h.app.roomSession().startGame();
+            QVERIFY(writeScript(empty.filePath("RogueSpear.exe"), "echo 'no display' >&2; exit 2"));
+            r.h.app.roomSession().startGame();
+            QVERIFY(waitUntil([&] { return r.h.dialogs.asked.size() == 3; }));
         }),
                  QByteArray());
         QCOMPARE(r.h.app.session().serverStatus, QString("In chat"));
-        QCOMPARE(r.h.dialogs.asked.size(), 2);
+        QCOMPARE(r.h.dialogs.asked.size(), 3);
+        QVERIFY(r.h.dialogs.asked.at(2).contains("no display"));
         QVERIFY(r.h.dialogs.asked.at(0).contains("path to roguespear.exe is not set"));
         QVERIFY(r.h.dialogs.asked.at(1).contains("roguespear.exe does not exist"));
         QVERIFY(r.h.app.connection().isConnected());
