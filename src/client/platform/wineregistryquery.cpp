@@ -2,6 +2,7 @@
 
 #include <QProcessEnvironment>
 #include <QRegularExpression>
+#include <QStringDecoder>
 
 namespace client {
 

@@ -27,7 +27,8 @@ public:
     // Asks the first key; `finished` follows from the event loop.
     void start();
 
-    // The text of the value `name` in what "reg query" printed; "" when it is not there.
+    // The text of the value `name` in what "reg query" printed; "" when it is not there or
+    // not in UTF-8.
     static QString valueIn(const QByteArray &output, const QString &name);
 
 Q_SIGNALS:

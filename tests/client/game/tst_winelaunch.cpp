@@ -2,6 +2,7 @@
 // file named in any case, and a Wine that may not be able to run it at all.
 #include "client/game/gamelaunch.h"
 #include "client/game/gamelauncher.h"
+#include "client/platform/wineregistryquery.h"
 #include "client/settings/options.h"
 #include "support/clientfakes.h"
 #include "support/files.h"
@@ -137,6 +138,34 @@ private Q_SLOTS:
             QVERIFY2(message.contains(part), qPrintable(message));
         for (const QString &part : notTold)
             QVERIFY2(!message.contains(part), qPrintable(message));
+    }
+
+    // The value as "wine reg query" prints it, found whatever else it printed.
+    void readsTheValueWinePrints_data()
+    {
+        QTest::addColumn<QByteArray>("output");
+        QTest::addColumn<QString>("value");
+        const QByteArray key = "\r\nHKEY_LOCAL_MACHINE\\Software\\Red Storm\r\n";
+        QTest::newRow("text with spaces")
+            << key + "    MultiplayerPlayerName    REG_SZ    Zed Wine\r\n\r\n"
+            << "Zed Wine";
+        QTest::newRow("other case, other values")
+            << key + "    Other    REG_SZ    x\r\n    multiplayerplayername    REG_SZ    Al\r\n"
+            << "Al";
+        QTest::newRow("empty") << key + "    MultiplayerPlayerName    REG_SZ    \r\n"
+                               << "";
+        QTest::newRow("a number") << key + "    MultiplayerPlayerName    REG_DWORD    0x1\r\n"
+                                  << "";
+        QTest::newRow("console code page")
+            << key + "    MultiplayerPlayerName    REG_SZ    Zo\x89\r\n"
+            << "";
+        QTest::newRow("no such key")
+            << QByteArray("reg: Unable to find the specified registry key\r\n") << "";
+    }
+    void readsTheValueWinePrints()
+    {
+        QFETCH(QByteArray, output);
+        QTEST(WineRegistryQuery::valueIn(output, "MultiplayerPlayerName"), "value");
     }
 };
 
