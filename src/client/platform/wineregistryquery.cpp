@@ -2,7 +2,6 @@
 
 #include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QStringDecoder>
 
 namespace client {
 
@@ -81,7 +80,12 @@ QString WineRegistryQuery::valueIn(const QByteArray &output, const QString &name
                                       .arg(QRegularExpression::escape(name)),
                                   QRegularExpression::CaseInsensitiveOption |
                                       QRegularExpression::MultilineOption);
-    const QRegularExpressionMatch match = line.match(QString::fromUtf8(output).remove(u'\r'));
+    // Wine prints in the console's code page, which is not the locale's; only text that reads
+    // as UTF-8 (ASCII, in practice) is taken, anything else is left to the registry file.
+    QString text = QString::fromUtf8(output);
+    if (text.contains(QChar::ReplacementCharacter))
+        return {};
+    const QRegularExpressionMatch match = line.match(text.remove(u'\r'));
     return match.hasMatch() ? match.captured(1).trimmed() : QString();
 }
 
