@@ -34,12 +34,13 @@ struct Player : LobbyClient
     Player(const QString &name, const ServerProcess &server) : LobbyClient(name, server)
     {
         const QString &game = gameFolder;
-        // The host's game comes up a moment late, so that the member's automatic join does not
-        // take the host's window on this shared display for a game of its own.
+        // The host's game shows its window only after the member's automatic join (which
+        // follows the host's first seconds), so that the join does not take the host's window
+        // on this shared display for a game of its own.
         ok = QFile::copy(kFakeGame, game + "/fakegame") &&
              writeFile(game + "/roguespear.exe",
                        "#!/bin/sh\n"
-                       "[ \"$1\" = -server ] && sleep 1\n"
+                       "[ \"$1\" = -server ] && sleep 6\n"
                        "exec \"$(dirname \"$0\")/fakegame\" \"$@\" -round 4 -gametype "
                        "'Team Survival' -player ann:1:20 -player bob:2:30\n") &&
              QFile::setPermissions(game + "/roguespear.exe",

@@ -12,6 +12,13 @@ inline bool writeFile(const QString &path, const QByteArray &content = {})
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
+// A shell script at `path` with `body` as its commands, executable.
+inline bool writeScript(const QString &path, const QByteArray &body)
+{
+    return writeFile(path, "#!/bin/sh\n" + body + "\n") &&
+           QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::ExeUser);
+}
+
 // A Wine system.reg at `path` in which `game` ("Rogue Spear", "Black Ops") calls the local
 // player `name`.
 inline bool writeGamePlayerName(const QString &path, const QString &game, const QString &name)

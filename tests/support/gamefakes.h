@@ -6,6 +6,7 @@
 
 #include "client/platform/detachedprocessstarter.h"
 
+#include <QProcess>
 #include <QStringList>
 
 #include <signal.h>
@@ -18,6 +19,16 @@ public:
     explicit GameStarter(QString wineCommand = QStringLiteral("wine")) : m_real(wineCommand) {}
     ~GameStarter() override { endAll(); }
 
+    // Started for real, recorded in `commandLines` and ended by `endAll` unless it has ended.
+    QString start(QProcess &process, const client::ProgramStart &program) override
+    {
+        const QString error = m_real.start(process, program);
+        if (error.isEmpty()) {
+            commandLines << QStringList{program.program} + program.arguments;
+            m_pids << process.processId();
+        }
+        return error;
+    }
     QString startDetached(const QString &program, const QStringList &arguments,
                           qint64 *pid) override
     {

@@ -14,14 +14,16 @@ LaunchSites::LaunchSites(GameLauncher &launcher, const GameWindows &windows, Ses
     : QObject(parent), m_launcher(launcher), m_windows(windows), m_session(session),
       m_connection(connection), m_rooms(rooms)
 {
+    connect(&launcher, &GameLauncher::gameServerRunning, this, &LaunchSites::hostedGameRunning);
 }
 
-void LaunchSites::startGame()
+void LaunchSites::hostedGameRunning()
 {
-    const QString inGame = protocol::roomStatusText(protocol::RoomStatus::InGame);
-    if (m_session.serverStatus == inGame || !m_launcher.launchGameServer())
+    // Only a room this user hosts and that is not in game yet (the in-game tick may have been
+    // first).
+    if (m_session.serverStatus != protocol::roomStatusText(protocol::RoomStatus::InChat))
         return;
-    m_session.serverStatus = inGame;
+    m_session.serverStatus = protocol::roomStatusText(protocol::RoomStatus::InGame);
     m_connection.send(protocol::RoomStatusToServer{protocol::RoomStatus::InGame});
 }
 

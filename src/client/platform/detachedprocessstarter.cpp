@@ -1,5 +1,7 @@
 #include "client/platform/detachedprocessstarter.h"
 
+#include "client/platform/winepath.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -26,9 +28,9 @@ bool DetachedProcessStarter::needsWine(const QString &program)
            !head.startsWith("#!");
 }
 
-QString DetachedProcessStarter::prepare(QProcess &process, const QString &program,
-                                        const QStringList &arguments) const
+QString DetachedProcessStarter::prepare(QProcess &process, const ProgramStart &start) const
 {
+    const QString &program = start.program;
     const QFileInfo info(program);
     if (!info.isFile())
         return QStringLiteral("%1 does not exist.").arg(program);
@@ -37,18 +39,31 @@ QString DetachedProcessStarter::prepare(QProcess &process, const QString &progra
         QStringList wine = QProcess::splitCommand(m_wineCommand);
         if (wine.isEmpty())
             return QStringLiteral("No Wine command is set to run %1.").arg(program);
-        process.setProgram(wine.takeFirst());
-        process.setArguments(wine + QStringList{program} + arguments);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        if (!m_winePrefix.isEmpty() && !environment.contains(QStringLiteral("WINEPREFIX")))
-            environment.insert(QStringLiteral("WINEPREFIX"), m_winePrefix);
+        QString prefix = start.winePrefix;
+        if (prefix.isEmpty())
+            prefix = environment.value(QStringLiteral("WINEPREFIX"), m_winePrefix);
+        if (!prefix.isEmpty())
+            environment.insert(QStringLiteral("WINEPREFIX"), prefix);
         process.setProcessEnvironment(environment);
+        process.setProgram(wine.takeFirst());
+        process.setArguments(wine + QStringList{WinePath::windowsPath(program, prefix)} +
+                             start.arguments);
     } else {
         if (!info.isExecutable())
             return QStringLiteral("%1 is not a program that can be started.").arg(program);
         process.setProgram(program);
-        process.setArguments(arguments);
+        process.setArguments(start.arguments);
     }
+    process.setWorkingDirectory(start.workingFolder);
+    return {};
+}
+
+QString DetachedProcessStarter::start(QProcess &process, const ProgramStart &program)
+{
+    if (QString error = prepare(process, program); !error.isEmpty())
+        return error;
+    process.start();
     return {};
 }
 
@@ -56,7 +71,7 @@ QString DetachedProcessStarter::startDetached(const QString &program, const QStr
                                               qint64 *pid)
 {
     QProcess process;
-    if (QString error = prepare(process, program, arguments); !error.isEmpty())
+    if (QString error = prepare(process, {program, arguments, {}, {}}); !error.isEmpty())
         return error;
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
@@ -70,7 +85,7 @@ void DetachedProcessStarter::run(const QString &program, const QStringList &argu
                                  QObject &context, std::function<void(const ProcessEnd &)> finished)
 {
     auto *process = new QProcess(&context);
-    const QString error = prepare(*process, program, arguments);
+    const QString error = prepare(*process, {program, arguments, {}, {}});
     if (!error.isEmpty()) {
         // Called from the event loop all the same, as callers expect.
         QTimer::singleShot(0, process, [process, finished, error] {

@@ -6,9 +6,9 @@ class QProcess;
 
 namespace client {
 
-// Starts processes with QProcess. A Windows program (an ".exe" that is not a
-// native executable) runs through the Wine command, in the Wine prefix the client reads the
-// games' registry from.
+// Starts processes with QProcess. A Windows program (an ".exe" that is not a native
+// executable) runs through the Wine command, in the prefix it is installed in (or the client's
+// default one), named by its Windows path as a Windows shortcut would.
 class DetachedProcessStarter final : public ProcessStarter
 {
 public:
@@ -18,6 +18,7 @@ public:
     explicit DetachedProcessStarter(QString wineCommand = QString::fromLatin1(kDefaultWine),
                                     QString winePrefix = {});
 
+    QString start(QProcess &process, const ProgramStart &program) override;
     QString startDetached(const QString &program, const QStringList &arguments,
                           qint64 *pid = nullptr) override;
     void run(const QString &program, const QStringList &arguments, QObject &context,
@@ -29,7 +30,7 @@ public:
 
 private:
     // Sets the process up to run the program, through Wine when it must; why not when it cannot.
-    QString prepare(QProcess &process, const QString &program, const QStringList &arguments) const;
+    QString prepare(QProcess &process, const ProgramStart &start) const;
 
     QString m_wineCommand;
     QString m_winePrefix;

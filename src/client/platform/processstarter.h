@@ -6,6 +6,7 @@
 #include <functional>
 
 class QObject;
+class QProcess;
 
 namespace client {
 
@@ -17,12 +18,26 @@ struct ProcessEnd
     QString error;     // why it did not start or did not end normally; empty when it did
 };
 
-// Starts programs as processes of their own. They inherit the client's working folder and
-// environment.
+// A program to start beside the client.
+struct ProgramStart
+{
+    QString program;
+    QStringList arguments;
+    QString workingFolder; // empty: the client's
+    QString winePrefix;    // a Windows program's prefix; empty: the client's default one
+};
+
+// Starts programs as processes of their own. They inherit the client's environment, and its
+// working folder unless told otherwise.
 class ProcessStarter
 {
 public:
     virtual ~ProcessStarter() = default;
+
+    // Starts a program as `process`, which the caller owns, has set up (channels) and watches.
+    // Empty when the process is on its way (a program that then cannot run still ends in
+    // `errorOccurred`); otherwise why not, in words for the user.
+    virtual QString start(QProcess &process, const ProgramStart &program) = 0;
 
     // Starts a program the client does not wait for and keeps no handle to. Empty when the
     // process was started (its id in `pid` when asked); otherwise why not, in words for the user.

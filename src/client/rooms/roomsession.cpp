@@ -153,25 +153,13 @@ void RoomSession::sendRoomStatus()
 
 void RoomSession::startGame()
 {
-    if (m_session.serverStatus == kInGame)
-        return;
-    Q_EMIT gameServerStartRequested();
-    m_session.serverStatus = kInGame;
-    sendRoomStatus();
+    if (m_session.serverStatus != kInGame)
+        Q_EMIT gameServerStartRequested();
 }
 
 void RoomSession::joinGame()
 {
     Q_EMIT gameClientStartRequested(m_room.ipToGame);
-}
-
-void RoomSession::followHostGame(bool inGame)
-{
-    if ((m_session.serverStatus == kInGame && !inGame) ||
-        (m_session.serverStatus == kInChat && inGame)) {
-        m_session.serverStatus = inGame ? kInGame : kInChat;
-        sendRoomStatus();
-    }
 }
 
 void RoomSession::leave()

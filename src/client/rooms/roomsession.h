@@ -63,7 +63,8 @@ public:
     void askReady(int state);
     // The host's lock: locks with `password` when `locked`, opens the room otherwise.
     void setLocked(bool locked, const QString &password);
-    // The host's Start: starts the game server once and tells the lobby the room is in game.
+    // The host's Start: asks for the game server unless the room is in game already. The room
+    // turns "In game" once the game runs, not on the click.
     void startGame();
     // The member's Join: starts the game as a client of the host.
     void joinGame();
@@ -72,8 +73,6 @@ public:
     void leave();
     // The room named `host` is closing: when it is the user's room, leave it.
     void roomClosing(const QString &host);
-    // The room status follows the host's game: called after each look for the running game.
-    void followHostGame(bool inGame);
 
 Q_SIGNALS:
     void roomWindowShowRequested();

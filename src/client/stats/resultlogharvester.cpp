@@ -2,6 +2,11 @@
 
 #include "client/lobby/lobbyconnection.h"
 #include "client/platform/clock.h"
+#include "client/platform/detachedprocessstarter.h"
+#include "client/platform/registrylinux.h"
+#include "client/platform/registrywine.h"
+#include "client/platform/winepath.h"
+#include "client/platform/wineregistryquery.h"
 #include "client/settings/basregistry.h"
 #include "client/stats/resultlog.h"
 #include "protocol/chat.h"
@@ -20,6 +25,38 @@ QString dateTimeText(const QDateTime &time)
     const QLocale locale;
     return locale.toString(time.date(), QLocale::ShortFormat) + u' ' +
            locale.toString(time.time(), QStringLiteral("HH:mm:ss"));
+}
+
+const QString kNameValue = QStringLiteral("MultiplayerPlayerName");
+
+// The games' keys below the machine's root, in the order their names count.
+QStringList gameKeys()
+{
+    QStringList keys;
+    for (const char *game : {"Software\\Red Storm Entertainment\\Rogue Spear",
+                             "Software\\Red Storm Entertainment\\Black Ops"}) {
+        const QString key = QLatin1String(game);
+        keys << key << WineRegistry::wow6432Path(key);
+    }
+    return keys;
+}
+
+// The name as the prefix's system.reg holds it.
+QString nameInFile(const QString &prefix)
+{
+    QFile file(prefix + QStringLiteral("/system.reg"));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.readAll();
+    for (const QString &key : gameKeys()) {
+        const std::optional<RegistryValue> value =
+            WineRegistry::findValue(content, key, kNameValue);
+        // A string read as stored: it ends at its first NUL, as the game reads it.
+        const QString name = value ? value->text.section(QChar(0), 0, 0) : QString();
+        if (!name.isEmpty())
+            return name;
+    }
+    return {};
 }
 
 } // namespace
@@ -58,15 +95,41 @@ void ResultLogHarvester::harvestResultLog(const QString &path)
         return;
     }
 
-    const QString localName = localPlayerName(m_registry);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         report(QStringLiteral("getStats errorLine: %1").arg(int(ResultLogError::Header)));
         return;
     }
-    const std::variant<ResultLog, ResultLogError> read =
-        readResultLog(file.read(kMaxLogBytes), localName);
+    const QByteArray content = file.read(kMaxLogBytes);
     file.close();
+
+    // The game runs in the prefix it is installed in, or else in the default one. A running
+    // Wine knows a name changed just before the round; its file may not have it yet.
+    const QString gamePrefix = WinePath::prefixOf(path);
+    const QString prefix = gamePrefix.isEmpty() ? LinuxRegistry::defaultWinePrefix() : gamePrefix;
+    if (!QFileInfo::exists(prefix + QStringLiteral("/system.reg"))) {
+        upload(content, localPlayerName(m_registry));
+        return;
+    }
+    QStringList keys;
+    for (const QString &key : gameKeys())
+        keys << QStringLiteral("HKLM\\") + key;
+    auto *query = new WineRegistryQuery(QString::fromLatin1(DetachedProcessStarter::kDefaultWine),
+                                        prefix, keys, kNameValue, this);
+    connect(query, &WineRegistryQuery::finished, this,
+            [this, content, gamePrefix](const QString &liveName) {
+                QString name = liveName;
+                if (name.isEmpty())
+                    name =
+                        gamePrefix.isEmpty() ? localPlayerName(m_registry) : nameInFile(gamePrefix);
+                upload(content, name);
+            });
+    query->start();
+}
+
+void ResultLogHarvester::upload(const QByteArray &content, const QString &localName)
+{
+    const std::variant<ResultLog, ResultLogError> read = readResultLog(content, localName);
     if (const ResultLogError *error = std::get_if<ResultLogError>(&read)) {
         report(QStringLiteral("getStats errorLine: %1").arg(int(*error)));
         return;

@@ -14,6 +14,11 @@ class LobbyConnection;
 // errorLine: " and the step that failed) is reported to the lobby's service account as a
 // private message instead. Nothing is sent, nor kept for later, while the lobby is not
 // connected. Each call reads its file afresh; nothing is remembered between them.
+//
+// The local player's name comes from the Wine prefix the game runs in (the one its folder lies
+// in, or else the default one), asked of Wine itself while the log waits, since Wine writes
+// its registry file only every half minute; the file, or `registry` for the default prefix,
+// answers when Wine cannot. Without a prefix the log is uploaded at once.
 class ResultLogHarvester : public QObject
 {
     Q_OBJECT
@@ -37,6 +42,7 @@ public:
     static QString localPlayerName(BasRegistry &registry);
 
 private:
+    void upload(const QByteArray &content, const QString &localName);
     void report(const QString &text);
 
     LobbyConnection &m_connection;

@@ -11,12 +11,14 @@
 #include "client/platform/folderwatcher.h"
 #include "client/platform/proctcptable.h"
 #include "client/rooms/roomlistmodel.h"
+#include "client/rooms/roomsession.h"
 #include "client/session/sessionstate.h"
 #include "client/settings/options.h"
 #include "protocol/login.h"
 #include "protocol/presence.h"
 #include "protocol/rooms.h"
 #include "support/appharness.h"
+#include "support/files.h"
 #include "support/scriptedserver.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"
@@ -77,7 +79,7 @@ class TestGameFlow : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // The host presses Start twice: one game server and one "In game". The detection tick
+    // The host presses Start twice: one game server, and "In game" once it runs. The detection tick
     // that finds it says "playing" on "host" once, hides the lobby and watches the game
     // folder; the tick after the game ended says "lobby", tells the room "In chat" and shows
     // the lobby again. A game restarted by hand turns the room back to "In game".
@@ -90,8 +92,9 @@ private Q_SLOTS:
         session.serverStatus = "In chat"; // a room is open
 
         QCOMPARE(r.sentDuring([&] {
-            r.h.app.launchSites().startGame();
-            r.h.app.launchSites().startGame();
+            r.h.app.roomSession().startGame();
+            r.h.app.roomSession().startGame();
+            QVERIFY(waitUntil([&] { return session.serverStatus == "In game"; }, 10000));
         }),
                  room(RoomStatus::InGame));
         QCOMPARE(r.h.games.commandLines, (QList<QStringList>{{kGame, "-server", "2346"}}));
@@ -151,8 +154,8 @@ private Q_SLOTS:
                  (QStringList{"-client", "10.0.0.5", "2346"}));
     }
 
-    // A game that cannot start (no folder set, no game in it) is told in a message box; the
-    // room stays as it was and the client goes on.
+    // A game that cannot start (no folder set, no game in it, a game that ends at once) is
+    // told in a message box; the room stays as it was and the client goes on.
     void failedStartIsTold()
     {
         QTemporaryDir empty;
@@ -161,13 +164,17 @@ private Q_SLOTS:
         r.h.dialogs.asked.clear(); // the options' missing-folder notice
         r.h.app.session().serverStatus = "In chat";
         QCOMPARE(r.sentDuring([&] {
-            r.h.app.launchSites().startGame();
+            r.h.app.roomSession().startGame();
             r.h.app.options().setPathRS(empty.path());
-            r.h.app.launchSites().startGame();
+            r.h.app.roomSession().startGame();
+            QVERIFY(writeScript(empty.filePath("RogueSpear.exe"), "echo 'no display' >&2; exit 2"));
+            r.h.app.roomSession().startGame();
+            QVERIFY(waitUntil([&] { return r.h.dialogs.asked.size() == 3; }));
         }),
                  QByteArray());
         QCOMPARE(r.h.app.session().serverStatus, QString("In chat"));
-        QCOMPARE(r.h.dialogs.asked.size(), 2);
+        QCOMPARE(r.h.dialogs.asked.size(), 3);
+        QVERIFY(r.h.dialogs.asked.at(2).contains("no display"));
         QVERIFY(r.h.dialogs.asked.at(0).contains("path to roguespear.exe is not set"));
         QVERIFY(r.h.dialogs.asked.at(1).contains("roguespear.exe does not exist"));
         QVERIFY(r.h.app.connection().isConnected());

@@ -162,20 +162,6 @@ private Q_SLOTS:
         rig.join();
         QCOMPARE(window.txtRoomChatSend->text(), "");
     }
-
-    // The host's room status follows his game as the game detection sees it.
-    void roomStatusFollowsTheHostsGame()
-    {
-        Rig rig;
-        rig.rooms_.followHostGame(true);
-        QCOMPARE(rig.session.serverStatus, ""); // hosting no room
-        rig.rooms_.createRoom("war");
-        for (const bool inGame : {true, true, false})
-            rig.rooms_.followHostGame(inGame);
-        QCOMPARE(rig.session.serverStatus, "In chat");
-        rig.rooms_.followHostGame(true);
-        QCOMPARE(rig.session.serverStatus, "In game");
-    }
 };
 
 QTEST_MAIN(TestRoomWindow)
