@@ -64,7 +64,7 @@ private Q_SLOTS:
         Player ann("ann", m_server), bob("bob", m_server), cy("cy", m_server);
         const QList<Player *> everyone{&ann, &bob, &cy};
         // The host's game: it runs until the test ends.
-        QVERIFY(writeScript(ann.home.filePath("RogueSpear/roguespear.exe"), "exec sleep 600"));
+        QVERIFY(writeScript(ann.gameFolder + "/roguespear.exe", "exec sleep 600"));
         QVERIFY(logIn({&ann, &bob, &cy}));
 
         // Cy waits in a room of her own, where a line of another room must not show. A blank

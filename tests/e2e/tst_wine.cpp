@@ -117,7 +117,7 @@ private Q_SLOTS:
         LobbyClient ann("ann", server), bob("bob", server);
         QVERIFY(writeFile(ann.dataFolder() + "/settingRS.txt",
                           "0\r\n1\r\n1\r\n0\r\n0\r\n" + m_folder.toUtf8() + "\r\n\r\n"));
-        const QString bobsGame = bob.home.filePath("RogueSpear");
+        const QString &bobsGame = bob.gameFolder;
         QVERIFY(QFile::copy(kFakeGame, bobsGame + "/fakegame"));
         QVERIFY(writeScript(bobsGame + "/roguespear.exe",
                             "exec \"$(dirname \"$0\")/fakegame\" \"$@\" -class Host"));

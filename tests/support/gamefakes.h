@@ -20,12 +20,12 @@ public:
     ~GameStarter() override { endAll(); }
 
     // Started for real, recorded in `commandLines` and ended by `endAll` unless it has ended.
-    QString start(QProcess &process, const client::ProgramStart &program) override
+    QString start(QProcess &process, const client::ProgramStart &program, qint64 &pid) override
     {
-        const QString error = m_real.start(process, program);
+        const QString error = m_real.start(process, program, pid);
         if (error.isEmpty()) {
             commandLines << QStringList{program.program} + program.arguments;
-            m_pids << process.processId();
+            m_pids << pid;
         }
         return error;
     }

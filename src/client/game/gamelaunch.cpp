@@ -1,6 +1,12 @@
 #include "client/game/gamelaunch.h"
 
+#include "client/platform/processalive.h"
+#include "client/platform/processstarter.h"
+
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 
 namespace client {
 
@@ -18,57 +24,56 @@ const QString kInstallWine =
 
 } // namespace
 
-GameLaunch::GameLaunch(QObject *parent) : QObject(parent)
+GameLaunch::GameLaunch(QObject *parent)
+    : QObject(parent), m_errors(QDir::tempPath() + QStringLiteral("/quorvel-game-XXXXXX.txt"))
 {
-    m_watch.setSingleShot(true);
-    m_watch.setInterval(kWatchTime);
-    // Standard output is not read; the error output is, or a chatty Wine would fill the pipe.
-    m_process.setStandardOutputFile(QProcess::nullDevice());
-    connect(&m_process, &QProcess::started, &m_watch, qOverload<>(&QTimer::start));
-    connect(&m_watch, &QTimer::timeout, this, [this] {
-        m_errors.clear();
-        Q_EMIT running();
-    });
-    connect(&m_process, &QProcess::readyReadStandardError, this, &GameLaunch::readErrors);
-    connect(&m_process, &QProcess::finished, this, &GameLaunch::ended);
-    connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error != QProcess::FailedToStart)
-            return; // the others end in `finished`
-        Q_EMIT failed(failureText(m_process.program(), {}, m_process.errorString(), -1));
-        deleteLater();
-    });
+    m_look.setInterval(kLookInterval);
+    connect(&m_look, &QTimer::timeout, this, &GameLaunch::look);
 }
 
-GameLaunch::~GameLaunch()
+QString GameLaunch::start(ProcessStarter &processes, const ProgramStart &program)
 {
-    // The process's end, when ~QProcess waits for it, must not reach this half-gone object.
-    m_process.disconnect(this);
-}
-
-void GameLaunch::readErrors()
-{
-    const QByteArray read = m_process.readAllStandardError();
-    if (!m_watch.isActive())
-        return;
-    m_errors += read;
-    if (m_errors.size() > kKeptBytes)
-        m_errors.remove(0, m_errors.size() - kKeptBytes);
-}
-
-void GameLaunch::ended(int exitCode, QProcess::ExitStatus status)
-{
-    if (m_watch.isActive()) {
-        m_watch.stop();
-        readErrors();
-        if (status != QProcess::NormalExit || exitCode != 0)
-            Q_EMIT failed(failureText(m_process.program(), m_errors, {},
-                                      status == QProcess::NormalExit ? exitCode : -1));
+    QProcess process;
+    process.setStandardOutputFile(QProcess::nullDevice());
+    // A file, not a pipe: the game may write to it after the client has gone.
+    if (m_errors.open()) {
+        m_errors.close();
+        process.setStandardErrorFile(m_errors.fileName());
+    } else {
+        process.setStandardErrorFile(QProcess::nullDevice());
     }
+    if (const QString error = processes.start(process, program, m_pid); !error.isEmpty())
+        return failureText(process.program().isEmpty() ? program.program : process.program(), {},
+                           error);
+    m_program = process.program();
+    m_looksLeft = int(kWatchTime / kLookInterval);
+    m_look.start();
+    return {};
+}
+
+void GameLaunch::look()
+{
+    if (isProcessRunning(m_pid)) {
+        if (--m_looksLeft > 0)
+            return;
+        m_look.stop();
+        Q_EMIT running();
+    } else {
+        m_look.stop();
+        QByteArray output;
+        if (QFile file(m_errors.fileName()); file.open(QIODevice::ReadOnly)) {
+            if (file.size() > kKeptBytes)
+                file.seek(file.size() - kKeptBytes);
+            output = file.readAll();
+        }
+        Q_EMIT failed(failureText(m_program, output, {}));
+    }
+    // The file goes with this object; a game still writing to it keeps it until it ends.
     deleteLater();
 }
 
 QString GameLaunch::failureText(const QString &program, const QByteArray &errorOutput,
-                                const QString &startError, int exitCode)
+                                const QString &startError)
 {
     QStringList lines;
     for (const QByteArray &line : errorOutput.split('\n')) {
@@ -81,8 +86,7 @@ QString GameLaunch::failureText(const QString &program, const QByteArray &errorO
     if (!startError.isEmpty())
         text = QStringLiteral("%1 could not be run: %2").arg(program, startError);
     else if (text.isEmpty())
-        text = exitCode < 0 ? QStringLiteral("It ended at once.")
-                            : QStringLiteral("It ended at once with exit code %1.").arg(exitCode);
+        text = QStringLiteral("It ended at once.");
 
     const bool isWine = QFileInfo(program).fileName().startsWith(QLatin1String("wine"));
     if (output.contains(QLatin1String("wine32 is missing"), Qt::CaseInsensitive) ||

@@ -47,9 +47,8 @@ bool GameLauncher::launch(const QStringList &arguments, bool server)
         return false;
     const QString program = executableIn(folder);
     auto *launch = new GameLaunch(this);
-    const QString error =
-        m_processes.start(launch->process(), {program, arguments, QFileInfo(program).path(),
-                                              WinePath::prefixOf(program)});
+    const QString error = launch->start(
+        m_processes, {program, arguments, QFileInfo(program).path(), WinePath::prefixOf(program)});
     if (!error.isEmpty()) {
         delete launch;
         tell(error);

@@ -59,11 +59,12 @@ QString DetachedProcessStarter::prepare(QProcess &process, const ProgramStart &s
     return {};
 }
 
-QString DetachedProcessStarter::start(QProcess &process, const ProgramStart &program)
+QString DetachedProcessStarter::start(QProcess &process, const ProgramStart &program, qint64 &pid)
 {
     if (QString error = prepare(process, program); !error.isEmpty())
         return error;
-    process.start();
+    if (!process.startDetached(&pid))
+        return process.errorString();
     return {};
 }
 

@@ -18,7 +18,7 @@ public:
     explicit DetachedProcessStarter(QString wineCommand = QString::fromLatin1(kDefaultWine),
                                     QString winePrefix = {});
 
-    QString start(QProcess &process, const ProgramStart &program) override;
+    QString start(QProcess &process, const ProgramStart &program, qint64 &pid) override;
     QString startDetached(const QString &program, const QStringList &arguments,
                           qint64 *pid = nullptr) override;
     void run(const QString &program, const QStringList &arguments, QObject &context,

@@ -34,10 +34,10 @@ class ProcessStarter
 public:
     virtual ~ProcessStarter() = default;
 
-    // Starts a program as `process`, which the caller owns, has set up (channels) and watches.
-    // Empty when the process is on its way (a program that then cannot run still ends in
-    // `errorOccurred`); otherwise why not, in words for the user.
-    virtual QString start(QProcess &process, const ProgramStart &program) = 0;
+    // Starts the program `program` with what `process` was set up with (its output files),
+    // detached: it runs on when the client ends. Empty when it was started, its id in `pid`;
+    // otherwise why not, in words for the user.
+    virtual QString start(QProcess &process, const ProgramStart &program, qint64 &pid) = 0;
 
     // Starts a program the client does not wait for and keeps no handle to. Empty when the
     // process was started (its id in `pid` when asked); otherwise why not, in words for the user.
