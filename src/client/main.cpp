@@ -118,9 +118,9 @@ int main(int argc, char *argv[])
 
     if (parser.isSet(wineOption) && !dataFolder.isEmpty())
         WineConfig::saveCommand(dataFolder, parser.value(wineOption));
-    DetachedProcessStarter processes(parser.isSet(wineOption) ? parser.value(wineOption)
-                                                              : WineConfig::command(dataFolder),
-                                     LinuxRegistry::defaultWinePrefix());
+    const QString wineCommand =
+        parser.isSet(wineOption) ? parser.value(wineOption) : WineConfig::command(dataFolder);
+    DetachedProcessStarter processes(wineCommand, LinuxRegistry::defaultWinePrefix());
     SystemTrayService tray;
     EffectSoundPlayer sounds;
     SystemClock clock;
@@ -134,7 +134,8 @@ int main(int argc, char *argv[])
         {&tray, &sounds, &clock, &ticks, &registry, &dialogs, LinuxRegistry::defaultWinePrefix(),
          dataFolder, QCoreApplication::applicationFilePath(),
          parser.positionalArguments() == QStringList{QStringLiteral("update")},
-         unattended ? QStringList{QStringLiteral("--unattended")} : QStringList{}, &processes},
+         unattended ? QStringList{QStringLiteral("--unattended")} : QStringList{}, &processes,
+         nullptr, nullptr, nullptr, nullptr, wineCommand},
         servers);
     // Queued, so that the shut-down's deferred window deletions run before the loop ends.
     QObject::connect(&client, &ClientApplication::shutDownFinished, &app, &QCoreApplication::quit,

@@ -44,6 +44,8 @@ struct AppServices
     FolderWatcher *folderWatcher = nullptr;
     // The key state the stats-reset hot key is read from; the X11 one when not given.
     KeyState *keyState = nullptr;
+    // The command that runs the games' Windows programs; also asked for the player's name.
+    QString wineCommand = QStringLiteral("wine");
 };
 
 } // namespace client

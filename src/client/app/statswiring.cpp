@@ -20,8 +20,8 @@ void wireStats(AppParts &p)
 {
     QObject *owner = &p.owner;
     // The running game's results logs are read and uploaded as they are written.
-    auto *harvester =
-        new ResultLogHarvester(*p.connection, *p.services.clock, *p.basRegistry, owner);
+    auto *harvester = new ResultLogHarvester(*p.connection, *p.services.clock, *p.basRegistry,
+                                             p.services.wineCommand, owner);
     QObject::connect(
         new ResultLogWatch(*p.services.folderWatcher, ResultLogWatch::kSettleTime, owner),
         &ResultLogWatch::resultLogWritten, harvester, &ResultLogHarvester::harvestResultLog);

@@ -2,7 +2,6 @@
 
 #include "client/lobby/lobbyconnection.h"
 #include "client/platform/clock.h"
-#include "client/platform/detachedprocessstarter.h"
 #include "client/platform/registrylinux.h"
 #include "client/platform/registrywine.h"
 #include "client/platform/winepath.h"
@@ -62,8 +61,9 @@ QString nameInFile(const QString &prefix)
 } // namespace
 
 ResultLogHarvester::ResultLogHarvester(LobbyConnection &connection, const Clock &clock,
-                                       BasRegistry &registry, QObject *parent)
-    : QObject(parent), m_connection(connection), m_clock(clock), m_registry(registry)
+                                       BasRegistry &registry, QString wineCommand, QObject *parent)
+    : QObject(parent), m_connection(connection), m_clock(clock), m_registry(registry),
+      m_wineCommand(std::move(wineCommand))
 {
 }
 
@@ -114,8 +114,7 @@ void ResultLogHarvester::harvestResultLog(const QString &path)
     QStringList keys;
     for (const QString &key : gameKeys())
         keys << QStringLiteral("HKLM\\") + key;
-    auto *query = new WineRegistryQuery(QString::fromLatin1(DetachedProcessStarter::kDefaultWine),
-                                        prefix, keys, kNameValue, this);
+    auto *query = new WineRegistryQuery(m_wineCommand, prefix, keys, kNameValue, this);
     connect(query, &WineRegistryQuery::finished, this,
             [this, content, gamePrefix](const QString &liveName) {
                 QString name = liveName;

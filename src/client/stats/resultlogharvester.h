@@ -29,9 +29,10 @@ public:
     // larger file is not read.
     static constexpr qint64 kMaxLogBytes = 1 << 20;
 
-    // `registry` holds the games' name for the local player.
+    // `registry` holds the games' name for the local player; `wineCommand` runs Wine, which
+    // is asked for it first.
     ResultLogHarvester(LobbyConnection &connection, const Clock &clock, BasRegistry &registry,
-                       QObject *parent = nullptr);
+                       QString wineCommand = QStringLiteral("wine"), QObject *parent = nullptr);
 
     void harvestResultLog(const QString &path);
 
@@ -48,6 +49,7 @@ private:
     LobbyConnection &m_connection;
     const Clock &m_clock;
     BasRegistry &m_registry;
+    QString m_wineCommand;
 };
 
 } // namespace client
