@@ -140,17 +140,17 @@ std::variant<GameOptions, std::string> parseGameOptions(const std::vector<std::s
             continue;
         }
         word.remove_prefix(word.starts_with("--") ? 2 : 1);
-        const auto spec = kOptions.find(word);
-        if (spec == kOptions.end())
+        const auto known = kOptions.find(word);
+        if (known == kOptions.end())
             return "unknown option: " + arguments[i];
         std::string value;
-        if (spec->second.takesValue) {
+        if (known->second.takesValue) {
             if (i + 1 == arguments.size())
                 return "missing value for " + arguments[i];
             value = arguments[++i];
         }
-        joining = joining || spec->second.option == Option::Client;
-        std::string error = apply(options, spec->second.option, value, serverPort);
+        joining = joining || known->second.option == Option::Client;
+        std::string error = apply(options, known->second.option, value, serverPort);
         if (!error.empty())
             return error;
     }
