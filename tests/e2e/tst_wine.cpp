@@ -24,6 +24,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTreeView>
@@ -164,6 +165,8 @@ private Q_SLOTS:
     // game-info window reads its host name and players as they were given.
     void hostUnderWineAnswersStatus()
     {
+        qputenv("WINEPREFIX", QFile::encodeName(m_prefix));
+        const auto noPrefix = qScopeGuard([] { qunsetenv("WINEPREFIX"); });
         ServerProcess game;
         QVERIFY(game.start("wine", {m_folder + "/RogueSpear.exe", "-server", "0", "-bind",
                                     "127.0.0.1", "-hostname", "Zoë's game", "-maxplayers", "8",
