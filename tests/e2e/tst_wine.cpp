@@ -35,7 +35,7 @@ namespace {
 
 const QString kWinGame =
     QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/wingame/RogueSpear.exe");
-const QString kGameName = QStringLiteral("Zed Wine");
+const QString kGameName = QStringLiteral("Åsa Wine");
 
 } // namespace
 
@@ -168,9 +168,9 @@ private Q_SLOTS:
         qputenv("WINEPREFIX", QFile::encodeName(m_prefix));
         const auto noPrefix = qScopeGuard([] { qunsetenv("WINEPREFIX"); });
         ServerProcess game;
-        QVERIFY(game.start("wine", {m_folder + "/RogueSpear.exe", "-server", "0", "-bind",
-                                    "127.0.0.1", "-hostname", "Zoë's game", "-maxplayers", "8",
-                                    "-player", "Zoë:1:40", "-player", "Al:2:55"}));
+        QVERIFY(game.start(m_realWine, {m_folder + "/RogueSpear.exe", "-server", "0", "-bind",
+                                        "127.0.0.1", "-hostname", "Zoë's game", "-maxplayers", "8",
+                                        "-player", "Zoë:1:40", "-player", "Al:2:55"}));
         RoomListModel rooms;
         GameInfo info;
         SystemTickCount ticks;
