@@ -28,13 +28,15 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
                         .title = QStringLiteral("Room"),
                         .size = kSize,
                         .titleLabelName = "Label1",
-                        .closeButtonName = "Picture3"},
+                        .closeButtonName = "Picture3",
+                        .escapeCloses = false}, // leaving a room takes the button
                        parent),
       m_room(room), m_session(session)
 {
     setAttribute(Qt::WA_DeleteOnClose, false);
     Label1 = titleLabel();
     Label1->setGeometry(10, 6, kSize.width() - 80, 20);
+    closeButton()->setToolTip(tr("Leave the room"));
 
     Picture5 = addControl<PictureButton>("Picture5", {kSize.width() - 54, 4, 22, 22});
     Picture5->setPicture(Icons::button(QStringLiteral("hide")));
@@ -48,6 +50,7 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
     lstRoom->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lstRoom->setSelectionMode(QAbstractItemView::SingleSelection);
     lstRoom->setIconSize({16, 16});
+    lstRoom->setAccessibleName(tr("Players in the room"));
     for (int column = 1; column < room.members().columnCount(); ++column)
         lstRoom->setColumnHidden(column, true);
     lstRoom->viewport()->installEventFilter(this);
@@ -56,8 +59,10 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
 
     txtRoomChat = addControl<QPlainTextEdit>("txtRoomChat", {200, 60, 385, 270});
     txtRoomChat->setReadOnly(true);
+    txtRoomChat->setAccessibleName(tr("Room chat"));
     txtRoomChat->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtRoomChatSend = addControl<QLineEdit>("txtRoomChatSend", {200, 336, 349, 26});
+    txtRoomChatSend->setAccessibleName(tr("Room chat message"));
     txtRoomChatSend->setMaxLength(75);
     Picture2 = addControl<PictureButton>("Picture2", {553, 336, 32, 26});
     Picture2->setPicture(Icons::button(QStringLiteral("send")));
@@ -68,6 +73,7 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
     txtPassword = addControl<QLineEdit>("txtPassword", {10, 336, 180, 26});
     txtPassword->setMaxLength(20);
     txtPassword->setToolTip(QStringLiteral("Lock password"));
+    txtPassword->setAccessibleName(txtPassword->toolTip());
     txtPassword->setText(kPlaceholderPassword);
 
     picStartGame = addButton("picStartGame", tr("Start game"), {335, 370, 120, 28});
