@@ -4,6 +4,7 @@
 #include "client/rooms/roomstate.h"
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"
+#include "client/ui/showncolumns.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -45,14 +46,12 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
     lblStatus = addLabel("lblStatus", {}, {10, 38, 180, 18});
 
     lstRoom = addControl<QTreeView>("lstRoom", {10, 60, 180, 236});
-    lstRoom->setModel(&room.members());
+    lstRoom->setModel(new ShownColumns(room.members(), {0}, this));
     lstRoom->setRootIsDecorated(false);
     lstRoom->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lstRoom->setSelectionMode(QAbstractItemView::SingleSelection);
     lstRoom->setIconSize({16, 16});
     lstRoom->setAccessibleName(tr("Players in the room"));
-    for (int column = 1; column < room.members().columnCount(); ++column)
-        lstRoom->setColumnHidden(column, true);
     lstRoom->viewport()->installEventFilter(this);
 
     Picture4 = addButton("Picture4", {}, {10, 302, 180, 28});
@@ -144,7 +143,7 @@ bool FrmRoom::eventFilter(QObject *watched, QEvent *event)
     if (watched == lstRoom->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const QModelIndex current = lstRoom->currentIndex();
         if (current.isValid()) {
-            const QString name = m_room.members().item(current.row())->text();
+            const QString name = current.siblingAtColumn(0).data().toString();
             if (name != m_session.ownName())
                 Q_EMIT privateMessageRequested(name);
         }
