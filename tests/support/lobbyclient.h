@@ -55,8 +55,7 @@ struct LobbyClient : AppHarness
     // A double-click on the row of `host`'s room in the room list.
     void doubleClickRoom(const QString &host)
     {
-        Q_EMIT app.form().ListView1->doubleClicked(
-            app.rooms().index(app.rooms().findRoomRow(host), 0));
+        Q_EMIT app.form().ListView1->activated(app.rooms().index(app.rooms().findRoomRow(host), 0));
     }
 
     // The status code of a player's entry ("7" in the lobby, "8" a buddy there, "1" away...);

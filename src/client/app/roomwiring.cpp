@@ -76,7 +76,8 @@ void wireRooms(AppParts &p)
                      &GameLauncher::launchGameClient);
     QObject::connect(session, &RoomSession::gameClientAutoStartRequested, p.launchSites,
                      &LaunchSites::autoJoinGame);
-    QObject::connect(p.form->ListView1, &QAbstractItemView::doubleClicked, session,
+    // A double click or Enter on a row joins it.
+    QObject::connect(p.form->ListView1, &QAbstractItemView::activated, session,
                      [session](const QModelIndex &index) {
                          if (session->canCreateOrJoin())
                              session->joinRow(index.row());

@@ -151,4 +151,10 @@ bool FrmRoom::eventFilter(QObject *watched, QEvent *event)
     return BorderlessWindow::eventFilter(watched, event);
 }
 
+void FrmRoom::showEvent(QShowEvent *event)
+{
+    BorderlessWindow::showEvent(event);
+    txtRoomChatSend->setFocus();
+}
+
 } // namespace client
