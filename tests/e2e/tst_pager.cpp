@@ -1,13 +1,19 @@
-// Two clients against the real lobby server: the player menu and buddies, and a conversation
-// in private messages. (When a message sounds and marks its sender unread is the pager's unit
-// test; the lobby chat and hiding to the tray are the chat's, the server's and the tray's.)
-// ctest: timeout=120
+// Two clients against the real lobby server: the player menu, buddies and ignoring, and a
+// conversation in private messages, also one from an earlier run. (When a message sounds and marks
+// its sender unread is the pager's unit test; the lobby chat and hiding to the tray are the chat's,
+// the server's and the tray's.) ctest: timeout=120
 #include "client/app/appwindows.h"
 #include "client/lobby/lobbyconnection.h"
+#include "client/pager/conversationarchive.h"
 #include "client/pager/frmpager.h"
 #include "client/pager/pager.h"
+#include "client/presence/chatlog.h"
 #include "client/presence/frmmenu.h"
+#include "client/presence/lobbychat.h"
+#include "client/rooms/roomsession.h"
+#include "client/rooms/roomstate.h"
 #include "client/settings/options.h"
+#include "protocol/chat.h"
 #include "protocol/presence.h"
 #include "support/lobbyclient.h"
 
@@ -17,6 +23,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QTest>
+#include <QTextBlock>
 
 using namespace client;
 using protocol::Presence;
@@ -59,6 +66,25 @@ QString historyWith(LobbyClient &client, const QString &name)
     return row < 0
                ? QString()
                : client.app.pager().history(players.text(row, PlayerListModel::Index).toLongLong());
+}
+
+// The lines of the client's lobby chat from `name`.
+QStringList lobbyLinesOf(LobbyClient &client, const QString &name)
+{
+    QStringList lines;
+    for (const ChatLine &line : client.app.chat().log().lines())
+        if (line.name == name)
+            lines << line.text;
+    return lines;
+}
+
+// The player list's `role` on `name`'s entry, as the list shows it.
+QVariant shownOf(LobbyClient &client, const QString &name, int role)
+{
+    QAbstractItemModel *list = client.app.form().ListView2->model();
+    const QModelIndexList found =
+        list->match(list->index(0, 0), Qt::DisplayRole, name, 1, Qt::MatchExactly);
+    return found.isEmpty() ? QVariant() : found.first().data(role);
 }
 
 // Goes away and waits until `watcher` sees it: by then the server has handled all the client
@@ -207,6 +233,91 @@ private Q_SLOTS:
         QVERIFY(annPager->txtSkicka->text().isEmpty());
         roundTrip(*ann, *ann);
         QCOMPARE(ann->app.pager().history(bobIndex), both);
+    }
+
+    // Ann ignores Bob and starts again on her files: his lobby line, room line and private
+    // message do not reach her while Cy's, sent after his, do; his message makes no sound and
+    // leaves nothing on disk; his entry is marked, until she stops ignoring him.
+    void anIgnoredPlayerAcrossARestart()
+    {
+        clickPlayer(*ann, bob->name, Qt::RightButton);
+        FrmMenu *menu = ann->app.windows().frmMenu();
+        QVERIFY(menu->mnuIgnore->isVisible() && !menu->mnuStopIgnoring->isVisible());
+        menu->mnuIgnore->trigger();
+        menu->mnuChatPopup->hide();
+        QCOMPARE(shownOf(*ann, bob->name, Qt::ToolTipRole).toString(), "ignored");
+
+        ann = std::make_unique<LobbyClient>(ann->name, m_server, ann->dataFolder());
+        LobbyClient cy(QStringLiteral("cy%1").arg(m_pair), m_server);
+        QVERIFY(logIn({ann.get(), &cy}));
+        QTRY_VERIFY(!ann->statusOf(bob->name).isEmpty() && !bob->statusOf(cy.name).isEmpty());
+        QCOMPARE(shownOf(*ann, bob->name, Qt::ToolTipRole).toString(), "ignored");
+        QCOMPARE(shownOf(*ann, cy.name, Qt::ToolTipRole).toString(), "");
+        ann->createRoom(QStringLiteral("quiet"));
+        QTRY_VERIFY(bob->app.rooms().findRoomRow(ann->name) >= 0 &&
+                    cy.app.rooms().findRoomRow(ann->name) >= 0);
+        bob->doubleClickRoom(ann->name);
+        cy.doubleClickRoom(ann->name);
+        QTRY_COMPARE(ann->app.room().memberNames().size(), 3);
+
+        // Cy speaks once the server has passed on all of Bob's: Ann gets his lines before hers.
+        for (LobbyClient *speaker : {bob.get(), &cy}) {
+            speaker->app.connection().send(protocol::ChatLineToServer{"lobby " + speaker->name});
+            speaker->app.connection().send(
+                protocol::PrivateMessageToServer{ann->name, "private " + speaker->name});
+            speaker->app.roomSession().sendChat("room " + speaker->name);
+            QTRY_VERIFY(
+                cy.app.room().chatLines().contains(speaker->name + ": room " + speaker->name));
+        }
+        QTRY_COMPARE(ann->app.room().chatLines(), QStringList{cy.name + ": room " + cy.name});
+        QCOMPARE(lobbyLinesOf(*ann, bob->name), QStringList());
+        QCOMPARE(lobbyLinesOf(*ann, cy.name), QStringList{"lobby " + cy.name});
+        QCOMPARE(historyWith(*ann, bob->name), "");
+        QCOMPARE(historyWith(*ann, cy.name), cy.name + ":  private " + cy.name + "\r\n");
+        QCOMPARE(ann->player.played.filter("A_CRHRN1").size(), 1); // Cy's message
+        QVERIFY(ConversationArchive(ann->dataFolder() + "/pm", ann->clock)
+                    .earlierLines(bob->name)
+                    .isEmpty());
+
+        menu = ann->app.windows().frmMenu();
+        clickPlayer(*ann, bob->name, Qt::RightButton);
+        QVERIFY(!menu->mnuIgnore->isVisible() && menu->mnuStopIgnoring->isVisible());
+        menu->mnuStopIgnoring->trigger();
+        menu->mnuChatPopup->hide();
+        QCOMPARE(shownOf(*ann, bob->name, Qt::ToolTipRole).toString(), "");
+        bob->app.roomSession().sendChat(QStringLiteral("back"));
+        QTRY_COMPARE(ann->app.room().chatLines().last(), bob->name + ": back");
+    }
+
+    // A conversation of an earlier run is there again when the pager opens on the partner:
+    // grey under "Earlier conversation", once, with this run's lines after it as usual.
+    void aConversationFromAnEarlierRun()
+    {
+        clickPlayer(*ann, bob->name, Qt::LeftButton);
+        typeMessage(*ann, QStringLiteral("same time tomorrow?"));
+        const QString line = ann->name + ":  same time tomorrow?\r\n";
+        QTRY_COMPARE(historyWith(*ann, bob->name), line);
+        QTRY_COMPARE(ConversationArchive(ann->dataFolder() + "/pm", ann->clock)
+                         .earlierLines(bob->name)
+                         .size(),
+                     1);
+
+        ann = std::make_unique<LobbyClient>(ann->name, m_server, ann->dataFolder());
+        QVERIFY(logIn({ann.get()}));
+        QTRY_VERIFY(!ann->statusOf(bob->name).isEmpty());
+        // A message before the pager opens: kept as well, but not shown as earlier.
+        bob->app.connection().send(protocol::PrivateMessageToServer{ann->name, "yes"});
+        QTRY_COMPARE(historyWith(*ann, bob->name), bob->name + ":  yes\r\n");
+        clickPlayer(*ann, bob->name, Qt::LeftButton);
+        const QPlainTextEdit *history = ann->app.windows().frmPager()->txtHistory;
+        QCOMPARE(history->toPlainText(),
+                 "Earlier conversation\n" + line.chopped(2) + "\n" + bob->name + ":  yes\n");
+        const auto colourOf = [history](int block) {
+            const QTextBlock line = history->document()->findBlockByNumber(block);
+            return line.begin().fragment().charFormat().foreground().color();
+        };
+        QCOMPARE(colourOf(0), colourOf(1));
+        QVERIFY(colourOf(1) != colourOf(2));
     }
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -10,6 +11,20 @@ inline bool writeFile(const QString &path, const QByteArray &content = {})
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+// Copies the files of `from` and of the folders below it into `to`; whether all were copied.
+inline bool copyFolder(const QString &from, const QString &to)
+{
+    bool copied = true;
+    QDirIterator it(from, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        const QString target = QDir(to).filePath(QDir(from).relativeFilePath(file));
+        copied =
+            QDir().mkpath(QFileInfo(target).absolutePath()) && QFile::copy(file, target) && copied;
+    }
+    return copied;
 }
 
 // A shell script at `path` with `body` as its commands, executable.
