@@ -14,6 +14,7 @@
 #include "support/clientfakes.h"
 #include "support/files.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -97,6 +98,48 @@ private Q_SLOTS:
         const int row = players.findEntry(from);
         QCOMPARE(players.icon(row) == Icons::UnreadMessage, unread);
         QCOMPARE(pager.history(players.id(row).value_or(0)), line.isEmpty() ? "" : line + "\r\n");
+    }
+
+    // A conversation's folder is one per player, right inside the archive's folder, whatever
+    // the name holds.
+    void conversationFolders_data()
+    {
+        QTest::addColumn<QString>("partner");
+        QTest::addColumn<QString>("same");  // the same player spelled otherwise
+        QTest::addColumn<QString>("other"); // another player
+
+        const QString euros(200, QChar(0x20AC));
+        QTest::newRow("case") << "Anna"
+                              << "ANNA"
+                              << "Anne";
+        QTest::newRow("full width") << QString::fromUtf8("ＡＮＮＡ") << "anna"
+                                    << "anna_";
+        QTest::newRow("dots") << ".."
+                              << ".."
+                              << ".";
+        QTest::newRow("separators") << "a/b\\c"
+                                    << "A/B\\C"
+                                    << "a%2Fb%5Cc";
+        QTest::newRow("too long") << euros << euros << euros.chopped(1) + "x";
+    }
+
+    void conversationFolders()
+    {
+        QFETCH(QString, partner);
+        QFETCH(QString, same);
+        QFETCH(QString, other);
+        const QString folder = ConversationArchive::folderName(partner);
+        QCOMPARE(ConversationArchive::folderName(same), folder);
+        QVERIFY(ConversationArchive::folderName(other) != folder);
+        QVERIFY(folder.size() <= 120);
+
+        QTemporaryDir home;
+        ManualClock clock;
+        ConversationArchive archive(home.path(), clock);
+        archive.keep(partner, "me", "hi");
+        QTRY_COMPARE(ConversationArchive(home.path(), clock).earlierLines(same).size(), 1);
+        QCOMPARE(QDir(home.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                 QStringList{folder});
     }
 };
 
