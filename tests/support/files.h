@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 
 // Writes `content` to `path`, creating the folders on the way; whether it all went.
 inline bool writeFile(const QString &path, const QByteArray &content = {})
@@ -13,18 +13,10 @@ inline bool writeFile(const QString &path, const QByteArray &content = {})
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
-// Copies the files of `from` and of the folders below it into `to`; whether all were copied.
+// Copies what `from` holds, folders and all, into `to`; whether it all went.
 inline bool copyFolder(const QString &from, const QString &to)
 {
-    bool copied = true;
-    QDirIterator it(from, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString file = it.next();
-        const QString target = QDir(to).filePath(QDir(from).relativeFilePath(file));
-        copied =
-            QDir().mkpath(QFileInfo(target).absolutePath()) && QFile::copy(file, target) && copied;
-    }
-    return copied;
+    return QDir().mkpath(to) && QProcess::execute("cp", {"-R", from + "/.", to}) == 0;
 }
 
 // A shell script at `path` with `body` as its commands, executable.
