@@ -29,14 +29,16 @@ inline bool startOpenLobby(ServerProcess &server, const QTemporaryDir &home,
                             more);
 }
 
-// One client logging in automatically as `name`, with its sounds on.
+// One client logging in automatically as `name`, with its sounds on; with `earlierData`, on a
+// copy of that data folder (AppHarness).
 struct LobbyClient : AppHarness
 {
     // Its avatars come from the server's own pages.
-    LobbyClient(const QString &name, const ServerProcess &server)
+    LobbyClient(const QString &name, const ServerProcess &server, const QString &earlierData = {})
         : AppHarness({.lobby = {QStringLiteral("127.0.0.1"), server.port()},
                       .web = {},
-                      .avatars = QStringLiteral("http://127.0.0.1:%1").arg(server.webPort())}),
+                      .avatars = QStringLiteral("http://127.0.0.1:%1").arg(server.webPort())},
+                     {}, earlierData),
           name(name), gameFolder(writeAutoLogin(dataFolder(), name))
     {
     }

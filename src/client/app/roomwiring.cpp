@@ -53,7 +53,7 @@ void wireRooms(AppParts &p)
     p.roomState = new RoomState(owner);
     p.roomSession = new RoomSession(
         *p.roomState, *p.rooms, *p.dispatcher, *p.connection, *p.session, *p.services.dialogs,
-        [&p] { return p.savedName(); }, owner);
+        *p.ignored, [&p] { return p.savedName(); }, owner);
     RoomSession *session = p.roomSession;
     QObject::connect(p.roomHandlers, &RoomListHandlers::roomClosing, session,
                      &RoomSession::roomClosing);
