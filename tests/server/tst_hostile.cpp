@@ -1,15 +1,19 @@
 // Hostile clients against the lobby: floods that would reach everyone stop at their limit
 // while an honest player stays connected and answered; logins cannot be starved or timed to
 // tell names apart; names and relayed text cannot impersonate; connections per address are
-// capped; a database the server cannot trust keeps it from starting.
+// capped, and so are registrations; refusals are logged in summary; a database the server
+// cannot trust keeps it from starting.
 // ctest: timeout=300
 #include "lobbytest.h"
 #include "server/admin/admincommands.h"
 #include "server/admin/serveroptions.h"
 #include "server/lobby/accountlimits.h"
+#include "server/lobby/loginhandler.h"
+#include "server/lobby/registrationcap.h"
 
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSqlQuery>
 #include <unistd.h>
 
@@ -268,6 +272,63 @@ private Q_SLOTS:
             kept.append(client->isConnected());
         }
         QCOMPARE(kept, QList<bool>({true, true, true, false, true, true, false}));
+    }
+
+    // Refused connections are logged as the first one and a count per interval, not a line each.
+    void refusalsAreSummarised()
+    {
+        LogCapture log;
+        server::LobbyConfig config;
+        config.maxConnectionsPerAddress = 1;
+        config.refusalSummaryMs = 1000;
+        TestLobby lobby(config);
+        QVERIFY(lobby.connected()->isConnected());
+        constexpr int kRefused = 3000;
+        for (int batch = 0; batch < kRefused / 100; ++batch) {
+            std::vector<std::unique_ptr<QTcpSocket>> sockets;
+            for (int i = 0; i < 100; ++i) {
+                sockets.push_back(std::make_unique<QTcpSocket>());
+                sockets.back()->connectToHost(QHostAddress::LocalHost, lobby.server->serverPort());
+            }
+            QVERIFY(waitUntil([&] {
+                return std::all_of(sockets.cbegin(), sockets.cend(), [](const auto &s) {
+                    return s->state() == QAbstractSocket::UnconnectedState;
+                });
+            }));
+        }
+        static const QRegularExpression more(" refused (\\d+) more times in ");
+        const auto counted = [&] {
+            int count = 0;
+            for (const QString &line : log.lines().filter("refused"))
+                count += line.contains(more) ? more.match(line).captured(1).toInt() : 1;
+            return count;
+        };
+        QVERIFY(waitUntil([&] { return counted() == kRefused; }));
+        const qsizetype lines = log.lines().filter("refused").size();
+        QVERIFY2(lines <= kRefused / 100, qPrintable(QString::number(lines)));
+    }
+
+    // One address registers a few accounts an hour; the next is told why it is refused, while
+    // other addresses and existing accounts are unaffected.
+    void registrationsPerAddressAreCapped()
+    {
+        server::LobbyConfig config;
+        config.openRegistration = true;
+        config.registrationsPerHour = 2;
+        TestLobby lobby(config);
+        lobby.addAccount("Anna");
+        const auto registers = [&](const QString &name, int host) {
+            return lobby.connected(loopback(host))->login(name, "pw").has_value();
+        };
+        QVERIFY(registers("New1", 2) && registers("New2", 2));
+        TestClient *third = lobby.connected(loopback(2));
+        QVERIFY(!third->login("New3", "pw"));
+        QCOMPARE(third->fields(Code::RoomRefused),
+                 Rows{{server::LoginHandler::kTooManyRegistrations}});
+        QVERIFY(!lobby.accounts.findByName("New3"));
+        QVERIFY(registers("Anna", 2) && registers("New3", 3));
+        lobby.clock.advance(server::RegistrationCap::kWindowMs);
+        QVERIFY(registers("New4", 2));
     }
 
     void untrustworthyDatabaseStopsTheStart_data()
