@@ -44,18 +44,12 @@ QString pageOf(TestLobby &lobby, int accountId)
     return lobby.fetch(QStringLiteral("/?p=stats&id=%1").arg(accountId)).body;
 }
 
-// A round of 16 players whose opaque texts are as long as the lobby keeps them: more than one
-// page of the database's records table.
+// 16 players with texts as long as the lobby keeps them: more than a page of records.
 StatsUpload bigRound()
 {
-    QList<StatsRecord> players{player("Anna")};
-    while (players.size() < server::StatsHandler::kMaxRecords) {
-        StatsRecord other = player(QStringLiteral("Player %1").arg(players.size()));
-        for (QString *text : {&other.p4, &other.p5, &other.p6, &other.p8})
-            *text = QString(server::StatsHandler::kMaxTextChars, u'o');
-        players.append(other);
-    }
-    return round(1, players);
+    StatsRecord other = player("Other");
+    other.p4 = other.p5 = other.p6 = other.p8 = QString(server::StatsHandler::kMaxTextChars, u'o');
+    return round(1, QList<StatsRecord>{player("Anna")} + QList<StatsRecord>(15, other));
 }
 
 // Plays a full disk for the server's connection: not one page more than the file has now.
@@ -255,10 +249,12 @@ private Q_SLOTS:
         QCOMPARE(lobby.stats.rejected().size(), std::max(rejected, 0));
     }
 
-    // Texts are stored without controls and no longer than a results log holds them; a kill
-    // of himself makes a player's kills negative.
+    // Texts are stored without controls and no longer than a results log holds them (a kill of
+    // himself makes a player's kills negative); a refused upload's field reaches the log as one
+    // escaped line of bounded length, however it tries to look like more.
     void textsAreCleanedAndCut()
     {
+        LogCapture log;
         TestLobby lobby;
         TestClient *anna = lobby.loggedIn("Anna");
         StatsRecord record = player(QString(10'000, u'n'), "-7", "2", "-1");
@@ -275,36 +271,25 @@ private Q_SLOTS:
         QCOMPARE(kept.killedBy, QString(server::StatsHandler::kMaxNameChars, u'k'));
         QCOMPARE(kept.p4, "a[31mbc");
         QCOMPARE(lobby.stats.totalsByGameType(lobby.idOf("Anna")).value(0).p3, -1.0);
-    }
 
-    // A refused upload's field reaches the log as one escaped line of bounded length, however
-    // it tries to look like more.
-    void refusedFieldsCannotForgeLogLines()
-    {
-        LogCapture log;
-        TestLobby lobby;
-        TestClient *anna = lobby.loggedIn("Anna");
         const QString forged =
             "\n2026-01-01T00:00:00.000 warning quorvel.login forged\x1b[2J" + QString(60'000, u'x');
         anna->send(Code::StatsUpload, uploadFields("1", "Survival" + forged, 1));
         QVERIFY(lobby.sync(anna));
-        QVERIFY(waitUntil([&] { return !lobby.stats.rejected().isEmpty(); }));
         const QStringList lines = log.lines().filter("forged");
         QCOMPARE(lines.size(), 1);
         const QString &line = lines[0];
-        QVERIFY2(line.contains("upload rejected"), qPrintable(line));
         QVERIFY(line.contains("Survival\\x0a2026-01-01") && line.contains("forged\\x1b[2J"));
         QVERIFY(std::none_of(line.cbegin(), line.cend(), [](QChar c) { return c < u' '; }));
         QVERIFY(line.size() <= server::kMaxLogTextChars + 1);
         QVERIFY(line.endsWith(QChar(0x2026)));
     }
 
-    // A counted round of players in a room is told in the room once, with the page that lists
-    // it; a round from a player in no room is told nowhere.
+    // A counted round of players in a room is told in the room once, with the page that lists it.
     void roundIsToldInTheRoom()
     {
         TestLobby lobby;
-        auto [anna, bert, carl] = lobby.loggedIn("Anna", "Bert", "Carl");
+        auto [anna, bert] = lobby.loggedIn("Anna", "Bert");
         anna->send(Code::AddRoom, {"Anna's room"});
         bert->send(Code::JoinRoom, {"Anna", QString()});
         QVERIFY(anna->take(Code::MemberJoined));
@@ -324,14 +309,11 @@ private Q_SLOTS:
         for (TestClient *member : {anna, bert})
             QCOMPARE(member->fields(Code::RoomChat), Rows{{line}});
 
-        played.ownIndex = 2;
+        played.ownIndex = 2; // Bert's upload of the same round
         bert->sendRaw(played.encode());
-        played.ownIndex = 0;
-        carl->sendRaw(round(1, {player("Carl")}).encode());
-        QVERIFY(lobby.sync(carl));
+        QVERIFY(lobby.sync(bert));
         QCOMPARE(roundsOf(lobby, lobby.idOf("Bert")), 1);
-        for (TestClient *client : {anna, bert, carl})
-            QVERIFY(!client->hasPending(Code::RoomChat));
+        QVERIFY(!anna->hasPending(Code::RoomChat) && !bert->hasPending(Code::RoomChat));
         const QString page = lobby.fetch(path).body;
         QVERIFY(page.contains("Oil Refinery") && page.contains("<td>Finn</td>"));
     }

@@ -153,7 +153,8 @@ void LoginHandler::refuseRegistration(Session &session)
 {
     session.setLoginPending(false);
     m_refusals.refused(session.connection().peerAddress(),
-                       QStringLiteral("registration: this address's new accounts this hour"));
+                       QStringLiteral("registration: %1 new accounts an hour from this address")
+                           .arg(m_config.registrationsPerHour));
     session.send(protocol::RoomRefused{QString::fromLatin1(kTooManyRegistrations)}.encode() +
                  protocol::LoginFailed{}.encode());
     session.startLoginDeadline(m_config.loginTimeoutMs);
