@@ -17,14 +17,15 @@
 #include <QTemporaryDir>
 #include <QTreeView>
 
-// A lobby server on free ports that creates accounts on first login, its database in `home`,
-// with `more` options.
+// A lobby server on free ports that creates accounts on first login (as many as the test's
+// clients need, all from loopback), its database in `home`, with `more` options.
 inline bool startOpenLobby(ServerProcess &server, const QTemporaryDir &home,
                            const QStringList &more = {})
 {
     return server.start(kLobbyServer,
                         QStringList{"--listen", "127.0.0.1", "--port", "0", "--http-port", "0",
-                                    "--registration", "open", "--hash-cost", "minimal", "--db",
+                                    "--registration", "open", "--registration-per-hour", "100000",
+                                    "--hash-cost", "minimal", "--db",
                                     home.filePath(QStringLiteral("lobby.sqlite"))} +
                             more);
 }
