@@ -203,9 +203,12 @@ private Q_SLOTS:
         const QString both = line + bob->name + ":  hi\r\n";
         QTRY_COMPARE(historyWith(*ann, bob->name), both);
         QCOMPARE(annPager->txtHistory->toPlainText(), QString(both).replace("\r\n", "\n"));
-        // The pager shares the chat's pace of one line per three seconds: too soon, it stays.
+        // The pager shares the chat's pace of one line per three seconds: too soon, it stays,
+        // and the send button counts down the wait as the chat's does.
         typeMessage(*bob, QStringLiteral("too soon"), 0);
         QCOMPARE(bobPager->txtSkicka->text(), "too soon");
+        QCOMPARE(bobPager->Picture3->text(), "4");
+        QVERIFY(!bobPager->Picture3->isEnabled());
 
         const qint64 bobIndex = ann->app.pager().current();
         bob.reset();

@@ -1,12 +1,12 @@
 #include "client/pager/frmpager.h"
 
 #include "client/pager/pager.h"
+#include "client/presence/chatinput.h"
 #include "client/session/sessionstate.h"
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"
 
 #include <QCloseEvent>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
@@ -45,8 +45,9 @@ FrmPager::FrmPager(Pager &pager, const SessionState &session, QWidget *parent)
     picUser->setAlignment(Qt::AlignCenter);
     txtHistory = addControl<QPlainTextEdit>("txtHistory", {170, 38, 421, 150});
     txtHistory->setReadOnly(true);
+    txtHistory->setAccessibleName(tr("Conversation"));
     txtSkicka = addControl<QLineEdit>("txtSkicka", {170, 194, 357, 24});
-    txtSkicka->installEventFilter(this);
+    txtSkicka->setAccessibleName(tr("Message"));
     Picture3 = addControl<PictureButton>("Picture3", {533, 195, 22, 22});
     Picture3->setPicture(Icons::button(QStringLiteral("send")));
     Picture3->setToolTip(QStringLiteral("Send"));
@@ -54,7 +55,11 @@ FrmPager::FrmPager(Pager &pager, const SessionState &session, QWidget *parent)
     Picture4->setPicture(Icons::button(QStringLiteral("viewstats")));
     Picture4->setToolTip(QStringLiteral("View stats"));
 
-    connect(Picture3, &QAbstractButton::clicked, this, &FrmPager::send);
+    // Typed, sent and refused as in the lobby chat, whose pace of one line per three seconds
+    // it shares.
+    new ChatInput(
+        txtSkicka, Picture3, pager.guard(), [&pager](const QString &line) { pager.sendLine(line); },
+        ChatInput::Hint::None, this);
     connect(Picture4, &QAbstractButton::clicked, &pager, &Pager::showPartnerStats);
     connect(&pager, &Pager::titleChanged, Label2, &QLabel::setText);
     connect(&pager, &Pager::displayChanged, this, &FrmPager::showConversation);
@@ -105,24 +110,6 @@ void FrmPager::showAvatar()
     picUser->setPixmap(picture.isNull() ? QPixmap() : QPixmap::fromImage(picture));
 }
 
-void FrmPager::send()
-{
-    if (m_pager.send(txtSkicka->text()))
-        txtSkicka->clear();
-}
-
-bool FrmPager::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == txtSkicka && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            send();
-            return true;
-        }
-    }
-    return BorderlessWindow::eventFilter(watched, event);
-}
-
 void FrmPager::closeEvent(QCloseEvent *event)
 {
     if (m_session.exitPager) {
@@ -138,6 +125,9 @@ void FrmPager::showEvent(QShowEvent *event)
 {
     m_pager.setShown(true);
     BorderlessWindow::showEvent(event);
+    // Opened to talk: the keyboard goes to the input box.
+    activateWindow();
+    txtSkicka->setFocus();
 }
 
 void FrmPager::hideEvent(QHideEvent *event)

@@ -131,13 +131,9 @@ void Pager::addMessage(const QString &namn, const QString &msg, std::optional<bo
     }
 }
 
-bool Pager::send(const QString &text)
+void Pager::sendLine(const QString &line)
 {
-    const QString trimmed = trimBlanks(text).toString();
-    if (trimmed.isEmpty() || !m_guard.tryPass())
-        return false;
-    m_connection.send(protocol::PrivateMessageToServer{m_partnerName, trimmed});
-    return true;
+    m_connection.send(protocol::PrivateMessageToServer{m_partnerName, line});
 }
 
 void Pager::playerLeft(qint64 index)

@@ -51,9 +51,10 @@ public:
     // message. Dropped when `namn` is not in the player list, or is ignored and `echo` is not
     // true.
     void addMessage(const QString &namn, const QString &msg, std::optional<bool> echo);
-    // Sends `text`, trimmed, to the partner on display. False when it is blank or within three
-    // seconds of the last chat or pager send; the typed text then stays.
-    bool send(const QString &text);
+    // Sends `line` to the partner on display. The input box has trimmed it and passed it
+    // through the send-rate guard the lobby chat shares (guard()).
+    void sendLine(const QString &line);
+    SendRateGuard guard() const { return m_guard; }
 
     // The player id of the conversation on display (0 before any), and whether its history is
     // on display at all (a conversation with an unknown name hides the last one).

@@ -12,8 +12,8 @@ LobbyChat::LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractBut
                      LobbyConnection &connection, SessionState &session, const Clock &clock,
                      const IgnoreList &ignored, QObject *parent, ChatBox::LinkOpener opener)
     : QObject(parent), m_log(new ChatLog(clock, this)),
-      m_input(
-          new ChatInput(txtChatSend, Picture3, connection, SendRateGuard(session, clock), this)),
+      m_input(ChatInput::forLobby(txtChatSend, Picture3, connection, SendRateGuard(session, clock),
+                                  this)),
       m_ignored(ignored)
 {
     new ChatBox(txtChat, *m_log, std::move(opener), this);

@@ -41,6 +41,29 @@ PlayerListFilter::PlayerListFilter(PlayerListModel &players, const IgnoreList &i
     rebuild();
 }
 
+QString PlayerListFilter::spokenRow(const QModelIndex &index) const
+{
+    const int row = mapToSource(index).row();
+    if (row < 0)
+        return {};
+    const QString name = m_players.text(row, PlayerListModel::Name).trimmed();
+    if (const std::optional<Group> group = groupRowAt(index))
+        return name + (isFolded(*group) ? tr(", folded") : QString());
+    static const QStringList places{tr("in the lobby"), tr("playing"), tr("away")};
+    QStringList parts{name};
+    const std::optional<Group> group =
+        PlayerListModel::groupOfCode(m_players.text(row, PlayerListModel::PlayerStatus));
+    if (group)
+        parts << places.at(int(*group));
+    if (m_players.isBuddy(row))
+        parts << tr("buddy");
+    if (m_players.text(row, PlayerListModel::Message) == QLatin1String("1"))
+        parts << tr("unread message");
+    if (m_ignored.contains(m_players.text(row, PlayerListModel::Name)))
+        parts << tr("ignored");
+    return parts.join(QStringLiteral(", "));
+}
+
 void PlayerListFilter::setNameFilter(const QString &text)
 {
     const QString filter = text.trimmed();
@@ -131,6 +154,8 @@ QModelIndex PlayerListFilter::mapFromSource(const QModelIndex &sourceIndex) cons
 
 QVariant PlayerListFilter::data(const QModelIndex &index, int role) const
 {
+    if (role == Qt::AccessibleTextRole && index.column() == PlayerListModel::Name)
+        return spokenRow(index);
     if (role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole ||
         role == Qt::ForegroundRole) {
         const QModelIndex source = mapToSource(index);

@@ -61,6 +61,9 @@ Q_SIGNALS:
     void foldingChanged(Group group, bool folded);
 
 private:
+    // The row as a screen reader says it: "player2, in the lobby, buddy"; a group row as
+    // its title, and whether it is folded.
+    QString spokenRow(const QModelIndex &index) const;
     bool accepts(int sourceRow) const;
     // The first shown row whose source row is `sourceRow` or after it.
     int placeOf(int sourceRow) const;
