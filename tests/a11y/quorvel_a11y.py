@@ -15,6 +15,7 @@ import tempfile
 import time
 
 import pyatspi
+from gi.repository import GLib
 
 BUILD = os.environ.get("QUORVEL_BUILD", os.path.join(os.path.dirname(__file__), "../../build"))
 SERVER = os.path.join(BUILD, "src/server/quorvel-server")
@@ -63,6 +64,7 @@ def wait_for(what, predicate, timeout=20):
     """The predicate's first true value, asked every 0.1 s; fails the test after `timeout`."""
     deadline = time.monotonic() + timeout
     while True:
+        pump()
         try:
             value = predicate()
         except Exception:  # an object that went away while it was read: ask again
@@ -145,13 +147,18 @@ def find(root, role, name, timeout=20):
 
 def window(app, title, timeout=20):
     """The application's showing window (a frame) called `title`."""
+    return window_named(app, lambda name: name == title, timeout, repr(title))
+
+
+def window_named(app, matches, timeout=20, what="the window"):
+    """The application's showing window whose title `matches`."""
     def look():
         for i in range(app.childCount):
             frame = app.getChildAtIndex(i)
-            if frame is not None and frame.name == title and showing(frame):
+            if frame is not None and matches(frame.name) and showing(frame):
                 return frame
         return None
-    return wait_for(f"window {title!r}", look, timeout)
+    return wait_for(f"window {what}", look, timeout)
 
 
 def press(acc):
@@ -171,11 +178,31 @@ def text_of(acc):
     return acc.queryText().getText(0, -1)
 
 
+# The control that took the keyboard last, as the accessibility bus announced it. (A control's
+# focused state, when asked, can lag behind: a list's cell may still say so after Tab left.)
+_focus = []
+
+
+def _focus_changed(event):
+    if event.detail1:
+        _focus[:] = [event.source]
+
+
+pyatspi.Registry.registerEventListener(_focus_changed, "object:state-changed:focused")
+
+
+def pump():
+    """Hands over what the accessibility bus has announced so far."""
+    context = GLib.MainContext.default()
+    while context.pending():
+        context.iteration(False)
+
+
 def focused(app):
-    for acc in descendants(app):
-        if acc.getState().contains(pyatspi.STATE_FOCUSED):
-            return acc
-    return None
+    """The control of `app` that has the keyboard."""
+    time.sleep(0.2)  # the key pressed last reaches the client and its announcement comes back
+    pump()
+    return _focus[0] if _focus else None
 
 
 def keys(*names):

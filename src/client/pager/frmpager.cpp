@@ -62,6 +62,7 @@ FrmPager::FrmPager(Pager &pager, const SessionState &session, QWidget *parent)
         ChatInput::Hint::None, this);
     connect(Picture4, &QAbstractButton::clicked, &pager, &Pager::showPartnerStats);
     connect(&pager, &Pager::titleChanged, Label2, &QLabel::setText);
+    connect(&pager, &Pager::titleChanged, this, &QWidget::setWindowTitle);
     connect(&pager, &Pager::displayChanged, this, &FrmPager::showConversation);
     connect(&pager, &Pager::avatarChanged, this, [this](qint64 index) {
         if (index == m_pager.current())

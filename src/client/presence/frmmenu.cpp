@@ -10,8 +10,6 @@
 
 #include <QAbstractItemView>
 #include <QAbstractProxyModel>
-#include <QContextMenuEvent>
-#include <QKeyEvent>
 #include <QMenu>
 
 namespace client {
@@ -41,7 +39,6 @@ FrmMenu::FrmMenu(PlayerListModel &players, QAbstractItemView &ListView2,
       m_session(session), m_dialogs(dialogs), m_ignored(ignored)
 {
     setObjectName(QStringLiteral("frmMenu"));
-    m_view.installEventFilter(this);
     mnuChatPopup = new QMenu(QStringLiteral("ChatList"), this);
     mnuChatPopup->setAccessibleName(QStringLiteral("Player"));
     mnuChatPopup->setObjectName(QStringLiteral("mnuChatPopup"));
@@ -133,28 +130,6 @@ void FrmMenu::listClicked(Qt::MouseButton button, QPoint globalPos)
     mnuStopIgnoring->setVisible(ignored);
     mnuJoinGame->setEnabled(inGame);
     mnuChatPopup->popup(globalPos);
-}
-
-bool FrmMenu::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched != &m_view)
-        return QWidget::eventFilter(watched, event);
-    bool menu = false;
-    bool open = false;
-    if (event->type() == QEvent::ContextMenu) {
-        menu = static_cast<QContextMenuEvent *>(event)->reason() == QContextMenuEvent::Keyboard;
-    } else if (event->type() == QEvent::KeyPress) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        menu = key->key() == Qt::Key_Menu ||
-               (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier);
-        open = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
-    }
-    if ((!menu && !open) || selectedPlayer() < 0)
-        return false;
-    const QRect row = m_view.visualRect(m_view.currentIndex());
-    listClicked(menu ? Qt::RightButton : Qt::LeftButton,
-                m_view.viewport()->mapToGlobal(row.center()));
-    return true;
 }
 
 void FrmMenu::changeBuddy()

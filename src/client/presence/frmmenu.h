@@ -20,7 +20,7 @@ class SessionState;
 // at the moment it is chosen. Adding or removing a buddy is done here ("BA", "BR", the entry's
 // buddy flag, bold and code), and so is ignoring a player or no longer ignoring him (the ignore
 // list, which nothing on the server knows of); the other entries ask for their action through
-// the signals. The keyboard reaches both as well (eventFilter).
+// the signals.
 class FrmMenu : public QWidget
 {
     Q_OBJECT
@@ -47,11 +47,6 @@ Q_SIGNALS:
     void statsPageRequested(const QString &id);
     void gameInfoRequested(const QString &address);
     void joinGameRequested(const QString &address);
-
-protected:
-    // The keyboard on the player list: Enter on a player opens the conversation as a click
-    // does, the context-menu key or Shift+F10 opens the menu at the player's row.
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     // The model row of the selected player entry; -1 for none or a group row.

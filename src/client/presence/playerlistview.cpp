@@ -84,6 +84,7 @@ void configurePlayerListView(QTreeView &view, PlayerListFilter &filter, QLineEdi
     view.setSelectionMode(QAbstractItemView::SingleSelection);
     view.setSelectionBehavior(QAbstractItemView::SelectRows);
     view.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view.setTabKeyNavigation(false); // Tab goes on to the next control; arrows move in the list
     view.setAllColumnsShowFocus(true);
     view.setItemDelegateForColumn(PlayerListModel::Name, new PlayerListDelegate(&view));
     view.header()->setStretchLastSection(true);

@@ -105,13 +105,15 @@ QPushButton *FrmRoom::addButton(const char *name, const QString &text, QRect geo
 {
     auto *button = addControl<QPushButton>(name, geometry);
     button->setText(text);
-    button->setFocusPolicy(Qt::NoFocus);
+    // Reached by Tab; a click leaves the keyboard in the room chat.
+    button->setFocusPolicy(Qt::TabFocus);
     return button;
 }
 
 void FrmRoom::showState()
 {
     Label1->setText(m_room.caption);
+    setWindowTitle(m_room.caption.isEmpty() ? QStringLiteral("Room") : m_room.caption);
     lblStatus->setText(m_room.status);
     chkLock->setVisible(m_room.hostControls);
     txtPassword->setVisible(m_room.hostControls);
