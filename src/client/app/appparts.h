@@ -13,10 +13,13 @@ class AutoStart;
 class AvatarLoader;
 class BasRegistry;
 class BuddyNotifier;
+class DesktopNotes;
 class EventSounds;
+class FullGameWatch;
 class Form1;
 class GameInfo;
 class GameLauncher;
+class GameRowMenu;
 class GameServerQuery;
 class GameServerScan;
 class GameWindows;
@@ -89,6 +92,7 @@ struct AppParts
     SelfUpdate *selfUpdate = nullptr;
     AvatarLoader *avatars = nullptr;
     Pager *pager = nullptr;
+    DesktopNotes *notes = nullptr;
     BuddyNotifier *buddyNotifier = nullptr;
     StatsReset *statsReset = nullptr;
     std::unique_ptr<ProcessStarter> ownProcesses;
@@ -99,6 +103,8 @@ struct AppParts
     GameLauncher *launcher = nullptr;
     LaunchSites *launchSites = nullptr;
     InGameDetection *detection = nullptr;
+    FullGameWatch *gameWatch = nullptr;
+    GameRowMenu *gameRowMenu = nullptr;
     std::unique_ptr<KeyState> ownKeyState;
 };
 

@@ -4,6 +4,7 @@
 #include "client/app/form1.h"
 #include "client/app/traycontroller.h"
 #include "client/game/gamelauncher.h"
+#include "client/game/gamerowmenu.h"
 #include "client/game/ingamedetection.h"
 #include "client/game/launchsites.h"
 #include "client/rooms/frmmakeroom.h"
@@ -76,9 +77,12 @@ void wireRooms(AppParts &p)
                      &GameLauncher::launchGameClient);
     QObject::connect(session, &RoomSession::gameClientAutoStartRequested, p.launchSites,
                      &LaunchSites::autoJoinGame);
+    // A double-click on a full game may rather wait for room than join.
+    GameRowMenu *gameRows = p.gameRowMenu;
     QObject::connect(p.form->ListView1, &QAbstractItemView::doubleClicked, session,
-                     [session](const QModelIndex &index) {
-                         if (session->canCreateOrJoin())
+                     [session, gameRows](const QModelIndex &index) {
+                         if (session->canCreateOrJoin() &&
+                             !gameRows->answerDoubleClick(index.row()))
                              session->joinRow(index.row());
                      });
 }
