@@ -1,5 +1,5 @@
-#include "statusquery.h"
 #include "support/serverprocess.h"
+#include "support/statusquery.h"
 
 #include <QFile>
 #include <QTcpSocket>

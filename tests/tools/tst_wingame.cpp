@@ -5,8 +5,8 @@
 // capitals. What it says and writes must match the native stand-in, which the client's own
 // tests already read.
 
-#include "statusquery.h"
 #include "support/serverprocess.h"
+#include "support/statusquery.h"
 #include "support/wait.h"
 
 #include <QDir>
