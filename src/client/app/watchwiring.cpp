@@ -24,7 +24,8 @@ void offerFreedGame(AppParts &p, const QString &address)
     const QString name = row < 0 ? QString() : p.rooms->text(row, RoomListModel::RoomName);
     const QString text =
         QStringLiteral("There is room in %1").arg(name.trimmed().isEmpty() ? address : name);
-    if (p.services.tray->isShown()) {
+    // An icon can be shown where the desktop has no notification area to show it in.
+    if (p.services.tray->isAvailable() && p.services.tray->isShown()) {
         p.notes->showJoinOffer(text + QStringLiteral(": click here to join"), address);
         return;
     }
@@ -48,8 +49,11 @@ void wireGameWatch(AppParts &p)
                          if (p.gameQuery)
                              p.gameQuery->pingGameServer(address);
                      });
-    QObject::connect(p.gameWatch, &FullGameWatch::roomFreed, owner,
-                     [&p](const QString &address) { offerFreedGame(p, address); });
+    // Queued: the offer may wait in a message box, which should not run inside the handling
+    // of the reply that freed the slot.
+    QObject::connect(
+        p.gameWatch, &FullGameWatch::roomFreed, owner,
+        [&p](const QString &address) { offerFreedGame(p, address); }, Qt::QueuedConnection);
     // Joining from the row menu or a note starts the game as the player menu's Join Game does.
     QObject::connect(p.gameRowMenu, &GameRowMenu::joinRequested, p.launcher,
                      &GameLauncher::launchGameClient);
