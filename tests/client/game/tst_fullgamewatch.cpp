@@ -8,7 +8,6 @@
 #include "support/serverprocess.h"
 #include "support/statusquery.h"
 
-#include <QAction>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTreeView>
@@ -19,8 +18,8 @@ namespace {
 
 const QStringList kColumns{"Bob", "Full House", "", "In game", "       1", "Peaks"};
 
-// The watch over the real status query, as the program wires it, with the tick counter in the
-// test's hands; running-game rows on loopback addresses.
+// The watch and its row menu over the real status query, wired as in the program, the tick
+// counter in the test's hands.
 struct Rig
 {
     RoomListModel rooms;
@@ -51,8 +50,8 @@ struct Rig
         for (const QString &address : addresses)
             rooms.setFull(rooms.appendRow(kColumns, address, RoomListModel::RunningGame), full);
     }
-    // Moves the time on by `ms` in steps of a second, checking at each as the watch's timer
-    // does, and lets every ask that goes out be answered.
+    // Moves the time on by `ms` a second at a time, as the watch's timer checks, letting each
+    // ask be answered.
     bool advance(qint64 ms)
     {
         for (qint64 step = 0; step < ms; step += 1000) {
@@ -115,7 +114,8 @@ private Q_SLOTS:
         QCOMPARE(rig.asked.size(), asks);
     }
 
-    // At most five watches, only on full games, one per game, none while in a game.
+    // At most five watches, only on full games, one per game, none while in a game. A
+    // double-click on a full game asks first: No goes on to join, Yes watches.
     void whatMayBeWatched()
     {
         Rig rig;
@@ -127,14 +127,14 @@ private Q_SLOTS:
         rig.session.inGame = true;
         QVERIFY(!rig.watch.watch("127.0.0.1"));
         rig.session.inGame = false;
-        for (const char *address :
-             {"127.0.0.1", "127.0.0.2", "127.0.0.3", "127.0.0.4", "127.0.0.5"})
+        rig.dialogs.answers = {Dialogs::Answer::No, Dialogs::Answer::Yes};
+        QVERIFY(!rig.menu.answerDoubleClick(6) && !rig.menu.answerDoubleClick(0));
+        QVERIFY(rig.menu.answerDoubleClick(0) && rig.dialogs.asked.size() == 2);
+        for (const char *address : {"127.0.0.2", "127.0.0.3", "127.0.0.4", "127.0.0.5"})
             QVERIFY(rig.watch.watch(address));
-        QVERIFY(!rig.watch.watch("127.0.0.1"));
-        QVERIFY(!rig.watch.watch("127.0.0.6"));
+        QVERIFY(!rig.watch.watch("127.0.0.1") && !rig.watch.watch("127.0.0.6"));
         rig.watch.stop("127.0.0.3");
         QVERIFY(rig.watch.watch("127.0.0.6"));
-        QCOMPARE(rig.watch.watched().size(), FullGameWatch::kMaxWatches);
     }
 
     // A watch ends without a word when its game is gone from the list or its server has left
@@ -158,48 +158,18 @@ private Q_SLOTS:
         if (how == "gone")
             rig.rooms.removeRow(rig.rooms.findRowByTag("127.0.0.2"));
         rig.session.inGame = how == "in game";
-        for (qint64 ms = 0; ms < afterMs; ms += 1000) {
+        const auto step = [&](bool full) {
+            rig.watch.gameAnswered("127.0.0.3", full); // only the other server answers
             rig.ticks.set(rig.ticks.now() + 1000);
             rig.watch.check();
-            rig.watch.gameAnswered("127.0.0.3", true); // only the other server answers
-        }
-        rig.watch.gameAnswered("127.0.0.3", false);
-        QVERIFY(rig.freed.isEmpty() == (how == "in game"));
+        };
+        for (qint64 ms = 0; ms < afterMs; ms += 1000)
+            step(true); // still full
         QVERIFY(rig.watch.isWatching("127.0.0.2"));
-
-        rig.ticks.set(rig.ticks.now() + 1000);
-        rig.watch.check();
+        step(false);
         QVERIFY(rig.watch.watched().isEmpty());
         rig.watch.gameAnswered("127.0.0.2", false);
         QCOMPARE(rig.freed.size(), how == "in game" ? 0 : 1);
-    }
-
-    // The row menu offers the watch on a full game only, and stopping it on a watched one; a
-    // double-click on a full game asks, and Yes watches instead of joining.
-    void rowMenuAndDoubleClick()
-    {
-        Rig rig;
-        rig.addGames({"127.0.0.1"});
-        rig.addGames({"127.0.0.2"}, false);
-        const auto shown = [&](int row) {
-            rig.menu.prepare(row);
-            return QList<bool>{rig.menu.watchEntry()->isVisible(),
-                               rig.menu.stopEntry()->isVisible()};
-        };
-        QCOMPARE(shown(1), (QList<bool>{false, false}));
-        QCOMPARE(shown(0), (QList<bool>{true, false}));
-        rig.menu.watchEntry()->trigger();
-        QVERIFY(rig.watch.isWatching("127.0.0.1"));
-        QCOMPARE(shown(0), (QList<bool>{false, true}));
-        rig.menu.stopEntry()->trigger();
-        QVERIFY(!rig.watch.isWatching("127.0.0.1"));
-
-        rig.dialogs.answers = {Dialogs::Answer::No, Dialogs::Answer::Yes};
-        QVERIFY(!rig.menu.answerDoubleClick(1));
-        QVERIFY(!rig.menu.answerDoubleClick(0));
-        QVERIFY(rig.menu.answerDoubleClick(0));
-        QCOMPARE(rig.dialogs.asked.size(), 2);
-        QVERIFY(rig.watch.isWatching("127.0.0.1"));
     }
 };
 
