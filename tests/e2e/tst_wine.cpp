@@ -8,7 +8,9 @@
 // ctest: timeout=900
 #include "client/app/appwindows.h"
 #include "client/app/form1.h"
+#include "client/game/gameinfo.h"
 #include "client/game/gamelauncher.h"
+#include "client/game/gameserverquery.h"
 #include "client/rooms/frmmakeroom.h"
 #include "client/rooms/frmroom.h"
 #include "client/rooms/roomlistmodel.h"
@@ -22,6 +24,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTreeView>
@@ -32,7 +35,7 @@ namespace {
 
 const QString kWinGame =
     QStringLiteral(QUORVEL_BINARY_DIR "/tools/fakegame/wingame/RogueSpear.exe");
-const QString kGameName = QStringLiteral("Zed Wine");
+const QString kGameName = QStringLiteral("Åsa Wine");
 
 } // namespace
 
@@ -128,7 +131,7 @@ private Q_SLOTS:
         bob.app.windows().frmMakeRoom()->Text1->insert("wine");
         bob.app.windows().frmMakeRoom()->Picture3->click();
         QTRY_VERIFY(ann.app.rooms().findRoomRow("bob") >= 0);
-        Q_EMIT ann.app.form().ListView1->doubleClicked(
+        Q_EMIT ann.app.form().ListView1->activated(
             ann.app.rooms().index(ann.app.rooms().findRoomRow("bob"), 0));
         QTRY_COMPARE(bob.app.room().memberNames().size(), 2);
         ann.app.windows().frmRoom()->Picture4->click();
@@ -156,6 +159,27 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!ann.app.session().inGame, 25000);
         QVERIFY(ann.app.form().isVisible());
         bob.games.endAll();
+    }
+
+    // A game hosted under Wine answers the client's status query in the game's code page: the
+    // game-info window reads its host name and players as they were given.
+    void hostUnderWineAnswersStatus()
+    {
+        qputenv("WINEPREFIX", QFile::encodeName(m_prefix));
+        const auto noPrefix = qScopeGuard([] { qunsetenv("WINEPREFIX"); });
+        ServerProcess game;
+        QVERIFY(game.start(m_realWine, {m_folder + "/RogueSpear.exe", "-server", "0", "-bind",
+                                        "127.0.0.1", "-hostname", "Zoë's game", "-maxplayers", "8",
+                                        "-player", "Zoë:1:40", "-player", "Al:2:55"}));
+        RoomListModel rooms;
+        GameInfo info;
+        SystemTickCount ticks;
+        GameServerQuery query(rooms, info, ticks);
+        query.setQueryPort(game.port());
+        query.queryGameInfo("127.0.0.1");
+        QTRY_COMPARE(info.labels().roomName, QStringLiteral("Room name: Zoë's game"));
+        QCOMPARE(info.labels().players, QStringLiteral("Players: 2/8"));
+        QCOMPARE(info.getSpelare(), QStringLiteral("\\Zoë\\"));
     }
 
     // A Wine that cannot run the game: the user reads what it said and what to install.

@@ -6,6 +6,7 @@
 #include "client/app/form1.h"
 #include "client/app/traycontroller.h"
 #include "client/pager/avatarloader.h"
+#include "client/pager/conversationarchive.h"
 #include "client/pager/pager.h"
 #include "client/presence/chatarchive.h"
 #include "client/presence/frmmenu.h"
@@ -32,14 +33,15 @@ void wireLobby(AppParts &p)
 {
     QObject *owner = &p.owner;
     p.chat = new LobbyChat(p.form->txtChat, p.form->txtChatSend, p.form->Picture3, *p.connection,
-                           *p.session, *p.services.clock, owner);
+                           *p.session, *p.services.clock, *p.ignored, owner);
     p.chat->registerHandler(*p.dispatcher);
     if (!p.dataFolder.isEmpty())
         (new ChatArchive(QDir(p.dataFolder).filePath(QStringLiteral("chat")), *p.services.clock,
                          owner))
             ->attach(p.chat->log());
 
-    configurePlayerListView(*p.form->ListView2, *new PlayerListFilter(*p.players, owner),
+    configurePlayerListView(*p.form->ListView2,
+                            *new PlayerListFilter(*p.players, *p.ignored, owner),
                             p.form->txtFindPlayer);
     p.playerHandlers = new PlayerListHandlers(*p.players, *p.dispatcher, owner);
 
@@ -61,8 +63,13 @@ void wirePager(AppParts &p)
                                      ? QUrl(QString::fromLatin1(AvatarLoader::kDefaultServer))
                                      : QUrl(p.servers.servers().avatars),
                                  owner);
+    // Each private conversation is kept beside the lobby chat, one folder per partner.
+    p.conversations = new ConversationArchive(
+        p.dataFolder.isEmpty() ? QString() : QDir(p.dataFolder).filePath(QStringLiteral("pm")),
+        *p.services.clock, owner);
     p.pager = new Pager(*p.players, *p.connection, *p.session,
-                        SendRateGuard(*p.session, *p.services.clock), *p.sounds, *p.avatars, owner);
+                        SendRateGuard(*p.session, *p.services.clock), *p.sounds, *p.avatars,
+                        *p.ignored, *p.conversations, owner);
     p.pager->registerHandler(*p.dispatcher);
     QObject::connect(p.playerHandlers, &PlayerListHandlers::playerLeft, p.pager,
                      &Pager::playerLeft);

@@ -35,8 +35,8 @@ public:
     QAction *watchEntry() const { return m_watch; }
     QAction *stopEntry() const { return m_stop; }
 
-    // A double-click on `row` while the user may join: true when it is answered here (the user
-    // chose to wait for room), false when the join goes ahead.
+    // A double-click (or Enter) on `row` while the user may join: true when it is answered
+    // here (the user chose to wait for room), false when the join goes ahead.
     bool answerDoubleClick(int row);
 
 Q_SIGNALS:

@@ -12,8 +12,26 @@
 #include <QPixmap>
 #include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QTextCharFormat>
+#include <QTextCursor>
 
 namespace client {
+
+namespace {
+
+// Lines from earlier runs are told apart from today's by their grey.
+constexpr QRgb kEarlierColour = 0x808080;
+
+// Appends `text` (lines ending in CR LF) at the end of `edit` in `format`, whatever format the
+// text before it has.
+void appendText(QPlainTextEdit &edit, const QString &text, const QTextCharFormat &format = {})
+{
+    QTextCursor cursor(edit.document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.insertText(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")), format);
+}
+
+} // namespace
 
 FrmPager::FrmPager(Pager &pager, const SessionState &session, QWidget *parent)
     : BorderlessWindow({.objectName = "frmPager",
@@ -47,8 +65,7 @@ FrmPager::FrmPager(Pager &pager, const SessionState &session, QWidget *parent)
     connect(&pager, &Pager::historyAppended, this, [this](qint64 index, const QString &line) {
         if (!m_pager.isDisplaying() || index != m_pager.current())
             return;
-        txtHistory->moveCursor(QTextCursor::End);
-        txtHistory->insertPlainText(line);
+        appendText(*txtHistory, line);
         txtHistory->verticalScrollBar()->setValue(txtHistory->verticalScrollBar()->maximum());
     });
     connect(&pager, &Pager::hideRequested, this, &QWidget::hide);
@@ -65,7 +82,19 @@ void FrmPager::showConversation()
     const bool displaying = m_pager.isDisplaying();
     txtHistory->setVisible(displaying);
     picUser->setVisible(displaying);
-    txtHistory->setPlainText(displaying ? m_pager.history(m_pager.current()) : QString());
+    txtHistory->clear();
+    if (displaying) {
+        const QString earlier = m_pager.earlier(m_pager.current());
+        if (!earlier.isEmpty()) {
+            QTextCharFormat grey;
+            grey.setForeground(QColor(kEarlierColour));
+            grey.setFontItalic(true);
+            appendText(*txtHistory, QStringLiteral("Earlier conversation\r\n"), grey);
+            grey.setFontItalic(false);
+            appendText(*txtHistory, earlier, grey);
+        }
+        appendText(*txtHistory, m_pager.history(m_pager.current()));
+    }
     txtHistory->verticalScrollBar()->setValue(txtHistory->verticalScrollBar()->maximum());
     showAvatar();
 }

@@ -1,9 +1,22 @@
 #include "client/platform/wineregistryquery.h"
 
+#include "client/platform/registrywine.h"
+#include "client/platform/winepath.h"
+
+#include <QDir>
+#include <QFile>
 #include <QProcessEnvironment>
-#include <QRegularExpression>
+#include <QStringDecoder>
+#include <QTemporaryFile>
 
 namespace client {
+
+namespace {
+
+// A key export is a few lines; anything larger is not what was asked for.
+constexpr qint64 kMaxExportBytes = 64 * 1024;
+
+} // namespace
 
 WineRegistryQuery::WineRegistryQuery(QString wineCommand, QString prefix, QStringList keys,
                                      QString name, QObject *parent)
@@ -16,6 +29,13 @@ WineRegistryQuery::WineRegistryQuery(QString wineCommand, QString prefix, QStrin
         if (m_process)
             m_process->kill(); // ends in `finished`, unanswered
     });
+}
+
+WineRegistryQuery::~WineRegistryQuery()
+{
+    // A question cut short by the program's end leaves no file behind.
+    if (!m_exportFile.isEmpty())
+        QFile::remove(m_exportFile);
 }
 
 void WineRegistryQuery::start()
@@ -31,6 +51,17 @@ void WineRegistryQuery::askNext()
         answered({});
         return;
     }
+    // A file name of our own for Wine to write to; reg export replaces it.
+    {
+        QTemporaryFile file(QDir::tempPath() + QStringLiteral("/quorvel-reg-XXXXXX.reg"));
+        if (!file.open()) {
+            answered({});
+            return;
+        }
+        file.setAutoRemove(false);
+        m_exportFile = file.fileName();
+    }
+    const QString key = m_keys.takeFirst();
     m_process = new QProcess(this);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("WINEPREFIX"), m_prefix);
@@ -38,17 +69,21 @@ void WineRegistryQuery::askNext()
     m_process->setProcessEnvironment(environment);
     m_process->setStandardErrorFile(QProcess::nullDevice());
     m_process->setProgram(command.takeFirst());
-    m_process->setArguments(command + QStringList{QStringLiteral("reg"), QStringLiteral("query"),
-                                                  m_keys.takeFirst(), QStringLiteral("/v"),
-                                                  m_name});
+    m_process->setStandardOutputFile(QProcess::nullDevice());
+    m_process->setArguments(
+        command + QStringList{QStringLiteral("reg"), QStringLiteral("export"), key,
+                              WinePath::windowsPath(m_exportFile, m_prefix), QStringLiteral("/y")});
     connect(m_process, &QProcess::finished, this,
-            [this](int exitCode, QProcess::ExitStatus status) {
+            [this, key](int exitCode, QProcess::ExitStatus status) {
                 m_timeout.stop();
-                const QByteArray output = m_process->readAllStandardOutput();
                 m_process->deleteLater();
                 m_process = nullptr;
+                QFile file(m_exportFile);
+                const QByteArray exported =
+                    file.open(QIODevice::ReadOnly) ? file.read(kMaxExportBytes) : QByteArray();
+                file.remove();
                 const QString value = status == QProcess::NormalExit && exitCode == 0
-                                          ? valueIn(output, m_name)
+                                          ? valueIn(exported, key, m_name)
                                           : QString();
                 if (!value.isEmpty())
                     answered(value);
@@ -61,6 +96,7 @@ void WineRegistryQuery::askNext()
         m_timeout.stop();
         m_process->deleteLater();
         m_process = nullptr;
+        QFile::remove(m_exportFile);
         answered({}); // no Wine: no other key can be asked either
     });
     m_timeout.start();
@@ -73,20 +109,27 @@ void WineRegistryQuery::answered(const QString &value)
     deleteLater();
 }
 
-QString WineRegistryQuery::valueIn(const QByteArray &output, const QString &name)
+QString WineRegistryQuery::valueIn(const QByteArray &exported, const QString &key,
+                                   const QString &name)
 {
-    // "    NAME    REG_SZ    text", the text possibly with spaces of its own.
-    const QRegularExpression line(QStringLiteral("^\\s*%1\\s+REG_(?:EXPAND_)?SZ(?:[ \\t]+(.*))?$")
-                                      .arg(QRegularExpression::escape(name)),
-                                  QRegularExpression::CaseInsensitiveOption |
-                                      QRegularExpression::MultilineOption);
-    // Wine prints in the console's code page, which is not the locale's; only text that reads
-    // as UTF-8 (ASCII, in practice) is taken, anything else is left to the registry file.
-    QString text = QString::fromUtf8(output);
-    if (text.contains(QChar::ReplacementCharacter))
+    // "Windows Registry Editor Version 5.00", then the key's section as in system.reg, in
+    // UTF-16 with a byte-order mark; the section names the root in full.
+    auto fromUtf16 = QStringDecoder(QStringDecoder::Utf16LE);
+    QString text = fromUtf16(exported);
+    if (fromUtf16.hasError())
         return {};
-    const QRegularExpressionMatch match = line.match(text.remove(u'\r'));
-    return match.hasMatch() ? match.captured(1).trimmed() : QString();
+    // Unlike system.reg, the export writes its section names unescaped.
+    QStringList lines = text.split(u'\n');
+    for (QString &line : lines) {
+        if (line.startsWith(u'['))
+            line.replace(u'\\', QStringLiteral("\\\\"));
+    }
+    QString path = key;
+    if (path.startsWith(QLatin1String("HKLM\\"), Qt::CaseInsensitive))
+        path.replace(0, 4, QStringLiteral("HKEY_LOCAL_MACHINE"));
+    const std::optional<RegistryValue> value =
+        WineRegistry::findValue(lines.join(u'\n').toUtf8(), path, name);
+    return value && value->type == RegistryValue::Type::String ? value->text : QString();
 }
 
 } // namespace client

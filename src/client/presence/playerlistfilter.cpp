@@ -1,13 +1,25 @@
 #include "client/presence/playerlistfilter.h"
 
+#include "client/lobby/ignorelist.h"
+
+#include <QColor>
+
 #include <algorithm>
 #include <utility>
 
 namespace client {
 
-PlayerListFilter::PlayerListFilter(PlayerListModel &players, QObject *parent)
-    : QAbstractProxyModel(parent), m_players(players)
+namespace {
+
+constexpr QRgb kIgnoredColour = 0x909090;
+
+} // namespace
+
+PlayerListFilter::PlayerListFilter(PlayerListModel &players, const IgnoreList &ignored,
+                                   QObject *parent)
+    : QAbstractProxyModel(parent), m_players(players), m_ignored(ignored)
 {
+    connect(&ignored, &IgnoreList::changed, this, &PlayerListFilter::onIgnoredChanged);
     QAbstractProxyModel::setSourceModel(&players);
     connect(&players, &QAbstractItemModel::rowsInserted, this, &PlayerListFilter::onRowsInserted);
     connect(&players, &QAbstractItemModel::rowsAboutToBeRemoved, this,
@@ -119,6 +131,14 @@ QModelIndex PlayerListFilter::mapFromSource(const QModelIndex &sourceIndex) cons
 
 QVariant PlayerListFilter::data(const QModelIndex &index, int role) const
 {
+    if (role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole ||
+        role == Qt::ForegroundRole) {
+        const QModelIndex source = mapToSource(index);
+        if (source.isValid() && !groupRowAt(index) &&
+            m_ignored.contains(m_players.text(source.row(), PlayerListModel::Name)))
+            return role == Qt::ForegroundRole ? QVariant(QColor(kIgnoredColour))
+                                              : QVariant(tr("ignored"));
+    }
     if (role == Qt::ToolTipRole || role == FoldedRole) {
         const std::optional<Group> group = groupRowAt(index);
         if (!group)
@@ -129,6 +149,13 @@ QVariant PlayerListFilter::data(const QModelIndex &index, int role) const
                                 : tr("Click to fold these players away");
     }
     return QAbstractProxyModel::data(index, role);
+}
+
+void PlayerListFilter::onIgnoredChanged()
+{
+    if (!m_shown.empty())
+        Q_EMIT dataChanged(index(0, 0), index(int(m_shown.size()) - 1, columnCount() - 1),
+                           {Qt::ForegroundRole, Qt::ToolTipRole, Qt::AccessibleDescriptionRole});
 }
 
 QVariant PlayerListFilter::headerData(int section, Qt::Orientation orientation, int role) const

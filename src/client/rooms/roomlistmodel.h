@@ -32,6 +32,10 @@ public:
     // sorted again, so the row moves to its place. Returns the row where it stands.
     int appendRow(const QStringList &columns, const QString &tag, IconIndex icon);
 
+    // Column 0 also answers Qt::AccessibleTextRole: the row as a person would say it ("Friday
+    // night raid, host player1, in chat, 2 players, open").
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+
     QString text(int row, Column column) const;
     // Rows do not move when a text changes, even in sorted mode, so that a caller can write
     // several columns of the row it found; the next append or header click sorts again.

@@ -137,32 +137,35 @@ private Q_SLOTS:
             QVERIFY2(!message.contains(part), qPrintable(message));
     }
 
-    // The value as "wine reg query" prints it, found whatever else it printed.
-    void readsTheValueWinePrints_data()
+    // The value in the file "wine reg export" writes: UTF-16 with a byte-order mark, the key
+    // named in full, text escaped as in system.reg.
+    void readsTheValueWineExports_data()
     {
-        QTest::addColumn<QByteArray>("output");
+        QTest::addColumn<QString>("exported");
         QTest::addColumn<QString>("value");
-        const QByteArray key = "\r\nHKEY_LOCAL_MACHINE\\Software\\Red Storm\r\n";
-        QTest::newRow("text with spaces")
-            << key + "    MultiplayerPlayerName    REG_SZ    Zed Wine\r\n\r\n"
-            << "Zed Wine";
+        const QString head = "\uFEFFWindows Registry Editor Version 5.00\r\n\r\n"
+                             "[HKEY_LOCAL_MACHINE\\Software\\Red Storm]\r\n";
+        QTest::newRow("any character, escapes")
+            << head + "\"MultiplayerPlayerName\"=\"Zo\u00eb \\\"\u6f22\\\" \\\\x\"\r\n\r\n"
+            << "Zo\u00eb \"\u6f22\" \\x";
         QTest::newRow("other case, other values")
-            << key + "    Other    REG_SZ    x\r\n    multiplayerplayername    REG_SZ    Al\r\n"
+            << head + "\"Other\"=\"x\"\r\n\"multiplayerplayername\"=\"Al\"\r\n"
             << "Al";
-        QTest::newRow("empty") << key + "    MultiplayerPlayerName    REG_SZ    \r\n"
-                               << "";
-        QTest::newRow("a number") << key + "    MultiplayerPlayerName    REG_DWORD    0x1\r\n"
+        QTest::newRow("a number") << head + "\"MultiplayerPlayerName\"=dword:00000001\r\n"
                                   << "";
-        QTest::newRow("console code page")
-            << key + "    MultiplayerPlayerName    REG_SZ    Zo\x89\r\n"
+        QTest::newRow("another key")
+            << QString(head).replace("Red Storm", "Other") + "\"MultiplayerPlayerName\"=\"Al\"\r\n"
             << "";
-        QTest::newRow("no such key")
-            << QByteArray("reg: Unable to find the specified registry key\r\n") << "";
+        QTest::newRow("nothing written") << QString() << "";
     }
-    void readsTheValueWinePrints()
+    void readsTheValueWineExports()
     {
-        QFETCH(QByteArray, output);
-        QTEST(WineRegistryQuery::valueIn(output, "MultiplayerPlayerName"), "value");
+        QFETCH(QString, exported);
+        const QByteArray utf16(reinterpret_cast<const char *>(exported.utf16()),
+                               exported.size() * 2);
+        QTEST(
+            WineRegistryQuery::valueIn(utf16, "HKLM\\Software\\Red Storm", "MultiplayerPlayerName"),
+            "value");
     }
 };
 

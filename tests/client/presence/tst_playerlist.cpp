@@ -1,3 +1,4 @@
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/playerlistfilter.h"
@@ -92,7 +93,8 @@ struct PlayerList
     LobbyDispatcher dispatcher;
     Model model;
     PlayerListHandlers handlers;
-    PlayerListFilter filter{model};
+    IgnoreList ignored{QString()};
+    PlayerListFilter filter{model, ignored};
     QStringList calls;
 };
 
