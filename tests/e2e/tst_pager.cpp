@@ -151,6 +151,11 @@ private Q_SLOTS:
         QCOMPARE(ann->tray.messages,
                  told ? QStringList{"QUORVEL: " + bob->name + " has started a game"}
                       : QStringList());
+        // A click on that note joins the buddy's game, as the menu's Join Game does.
+        ann->app.options().setPathRS(kGameFolder);
+        ann->tray.clickMessage();
+        QCOMPARE(ann->games.commandLines.value(0).mid(1),
+                 told ? QStringList({"-client", address, "2346"}) : QStringList());
 
         clickPlayer(*ann, bob->name, Qt::RightButton);
         QVERIFY(menu->mnuChatPopup->isVisible());

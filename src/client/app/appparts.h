@@ -14,10 +14,13 @@ class AvatarLoader;
 class BasRegistry;
 class BuddyNotifier;
 class ConversationArchive;
+class DesktopNotes;
 class EventSounds;
+class FullGameWatch;
 class Form1;
 class GameInfo;
 class GameLauncher;
+class GameRowMenu;
 class GameServerQuery;
 class GameServerScan;
 class GameWindows;
@@ -93,6 +96,7 @@ struct AppParts
     AvatarLoader *avatars = nullptr;
     ConversationArchive *conversations = nullptr;
     Pager *pager = nullptr;
+    DesktopNotes *notes = nullptr;
     BuddyNotifier *buddyNotifier = nullptr;
     StatsReset *statsReset = nullptr;
     std::unique_ptr<ProcessStarter> ownProcesses;
@@ -103,6 +107,8 @@ struct AppParts
     GameLauncher *launcher = nullptr;
     LaunchSites *launchSites = nullptr;
     InGameDetection *detection = nullptr;
+    FullGameWatch *gameWatch = nullptr;
+    GameRowMenu *gameRowMenu = nullptr;
     std::unique_ptr<KeyState> ownKeyState;
 };
 

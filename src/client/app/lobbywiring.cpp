@@ -2,6 +2,7 @@
 #include "client/app/appwindows.h"
 #include "client/app/appwiring.h"
 #include "client/app/buddynotifier.h"
+#include "client/app/desktopnotes.h"
 #include "client/app/form1.h"
 #include "client/app/traycontroller.h"
 #include "client/pager/avatarloader.h"
@@ -82,11 +83,20 @@ void wirePager(AppParts &p)
                          p.windows->frmMenu()->listClicked(button, globalPos);
                      });
 
-    p.buddyNotifier = new BuddyNotifier(*p.services.tray, *p.options, *p.services.clock, owner);
+    p.notes = new DesktopNotes(*p.services.tray, owner);
+    p.buddyNotifier = new BuddyNotifier(*p.notes, *p.options, *p.services.clock, owner);
     QObject::connect(p.playerHandlers, &PlayerListHandlers::buddyAnnounced, p.buddyNotifier,
                      &BuddyNotifier::buddyAnnounced);
-    QObject::connect(p.playerHandlers, &PlayerListHandlers::buddyStartedGame, p.buddyNotifier,
-                     &BuddyNotifier::buddyStartedGame);
+    // The buddy's entry already holds the address of the game he started.
+    PlayerListModel *players = p.players;
+    BuddyNotifier *notifier = p.buddyNotifier;
+    QObject::connect(p.playerHandlers, &PlayerListHandlers::buddyStartedGame, notifier,
+                     [players, notifier](const QString &name) {
+                         const int row = players->findEntry(name);
+                         notifier->buddyStartedGame(
+                             name,
+                             row < 0 ? QString() : players->text(row, PlayerListModel::IpToGame));
+                     });
 }
 
 void wireTray(AppParts &p)

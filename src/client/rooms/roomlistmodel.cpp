@@ -111,6 +111,16 @@ RoomListModel::IconIndex RoomListModel::icon(int row) const
     return IconIndex(data(index(row, 0), IconRole).toInt());
 }
 
+bool RoomListModel::isFull(int row) const
+{
+    return data(index(row, 0), FullRole).toBool();
+}
+
+void RoomListModel::setFull(int row, bool full)
+{
+    setData(index(row, 0), full, FullRole);
+}
+
 void RoomListModel::setIcon(int row, IconIndex icon)
 {
     setData(index(row, 0), int(icon), IconRole);
