@@ -38,7 +38,8 @@ class Failure(AssertionError):
     pass
 
 
-def _stop_all():
+def _stop_processes():
+    """Ends what the test started, and the games its clients started."""
     for process in reversed(_processes):
         if process.poll() is None:
             process.terminate()
@@ -48,6 +49,12 @@ def _stop_all():
         except subprocess.TimeoutExpired:
             process.kill()
             process.wait()
+    _processes.clear()
+    subprocess.run(["pkill", "-f", f"{_home}/.*/RogueSpear/"], check=False)
+
+
+def _stop_all():
+    _stop_processes()
     shutil.rmtree(_home, ignore_errors=True)
 
 
@@ -136,10 +143,10 @@ def descendants(root):
 
 
 def find(root, role, name, timeout=20):
-    """The showing control of `role` named `name` below `root`, once there is one."""
+    """The showing control of `role` (any: None) named `name` below `root`, once there is one."""
     def look():
         for acc in descendants(root):
-            if acc.getRoleName() == role and acc.name == name and showing(acc):
+            if role in (None, acc.getRoleName()) and acc.name == name and showing(acc):
                 return acc
         return None
     return wait_for(f"{role} {name!r}", look, timeout)
@@ -283,6 +290,7 @@ def run(tests):
     for test in tests:
         print(f"-- {test.__name__}", flush=True)
         test()
+        _stop_processes()
     print("PASS", flush=True)
 
 

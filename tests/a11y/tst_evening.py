@@ -32,7 +32,8 @@ def tab_until(app, reached, what, limit=40):
         if now is not None and reached(now):
             return now
         keys("Tab")
-    raise AssertionError(f"Tab never reached {what}; seen: {seen}")
+    texts = [a.name for a in descendants(app) if a.getRoleName() == "label" and showing(a)]
+    raise AssertionError(f"Tab never reached {what}; seen: {seen[:3]}; texts: {texts}")
 
 
 def end_game(player):
@@ -118,9 +119,12 @@ def evening(keyboard):
         keys("Down")
     assert focused(app).name == "bob, in the lobby", focused(app).name
     keys("shift+F10")
-    send_pm = find(app, "menu item", "Send PM")
+    # A pop-up menu is no window of the application's: a screen reader follows the focus to it.
+    send_pm = wait_for("the player menu on its first entry",
+                       lambda: focused(app).getRoleName() == "menu item" and
+                       focused(app).name == "Send PM" and focused(app))
     if keyboard:
-        keys("Return")  # the menu opens on its first entry
+        keys("Return")
     else:
         press(send_pm)
     pager = window_named(app, lambda title: title.startswith("Page bob"))
@@ -129,11 +133,12 @@ def evening(keyboard):
     type_text("see you at nine")
     keys("Return")
     bob.expect(f"PM{me}|see you at nine")
-    find(pager, "text", "Conversation")
+    wait_for("the line in the conversation",
+             lambda: "see you at nine" in text_of(find(pager, None, "Conversation")))
 
     # What bob says in the lobby reaches the chat box.
     bob.send("MD", "anyone for a second round?")
-    chat = find(main, "text", "Lobby chat")
+    chat = find(main, None, "Lobby chat")
     wait_for("bob's line in the lobby chat",
              lambda: "anyone for a second round?" in text_of(chat))
 

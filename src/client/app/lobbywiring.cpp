@@ -79,8 +79,8 @@ void wirePager(AppParts &p)
     // A click on the player list: the menu decides what it means. The windows are built after
     // this, so the click looks them up when it comes.
     QObject::connect(new PlayerListClicks(*p.form->ListView2, owner), &PlayerListClicks::released,
-                     owner, [&p](Qt::MouseButton button, QPoint globalPos) {
-                         p.windows->frmMenu()->listClicked(button, globalPos);
+                     owner, [&p](Qt::MouseButton button, QPoint globalPos, bool fromKeyboard) {
+                         p.windows->frmMenu()->listClicked(button, globalPos, fromKeyboard);
                      });
 
     p.notes = new DesktopNotes(*p.services.tray, owner);

@@ -106,7 +106,7 @@ int FrmMenu::selectedPlayer() const
                : row;
 }
 
-void FrmMenu::listClicked(Qt::MouseButton button, QPoint globalPos)
+void FrmMenu::listClicked(Qt::MouseButton button, QPoint globalPos, bool fromKeyboard)
 {
     const int row = selectedPlayer();
     if (row < 0)
@@ -129,7 +129,11 @@ void FrmMenu::listClicked(Qt::MouseButton button, QPoint globalPos)
     mnuIgnore->setVisible(!ignored);
     mnuStopIgnoring->setVisible(ignored);
     mnuJoinGame->setEnabled(inGame);
-    mnuChatPopup->popup(globalPos);
+    // Opened from the keyboard, the menu starts on its first entry, which is where a screen
+    // reader then reads.
+    mnuChatPopup->popup(globalPos, fromKeyboard ? mnuPrivateMessage : nullptr);
+    if (fromKeyboard)
+        mnuChatPopup->setActiveAction(mnuPrivateMessage);
 }
 
 void FrmMenu::changeBuddy()

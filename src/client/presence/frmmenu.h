@@ -30,8 +30,9 @@ public:
             const SessionState &session, Dialogs &dialogs, IgnoreList &ignored,
             QWidget *parent = nullptr);
 
-    // The mouse button was released over the player list, at `globalPos`.
-    void listClicked(Qt::MouseButton button, QPoint globalPos);
+    // The mouse button was released over the player list, at `globalPos`, or a key that stands
+    // for it was pressed.
+    void listClicked(Qt::MouseButton button, QPoint globalPos, bool fromKeyboard = false);
 
     QMenu *mnuChatPopup;
     QAction *mnuPrivateMessage;

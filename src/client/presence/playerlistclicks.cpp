@@ -24,7 +24,7 @@ bool PlayerListClicks::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_view.viewport()) {
         if (event->type() == QEvent::MouseButtonRelease) {
             const auto *mouse = static_cast<QMouseEvent *>(event);
-            Q_EMIT released(mouse->button(), mouse->globalPosition().toPoint());
+            Q_EMIT released(mouse->button(), mouse->globalPosition().toPoint(), false);
         }
         return false;
     }
@@ -32,7 +32,7 @@ bool PlayerListClicks::eventFilter(QObject *watched, QEvent *event)
         return false;
     if (event->type() == QEvent::ContextMenu &&
         static_cast<QContextMenuEvent *>(event)->reason() == QContextMenuEvent::Keyboard) {
-        Q_EMIT released(Qt::RightButton, currentRowCentre());
+        Q_EMIT released(Qt::RightButton, currentRowCentre(), true);
         return true;
     }
     if (event->type() != QEvent::KeyPress)
@@ -40,12 +40,12 @@ bool PlayerListClicks::eventFilter(QObject *watched, QEvent *event)
     const auto *key = static_cast<QKeyEvent *>(event);
     if (key->key() == Qt::Key_Menu ||
         (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier)) {
-        Q_EMIT released(Qt::RightButton, currentRowCentre());
+        Q_EMIT released(Qt::RightButton, currentRowCentre(), true);
         return true;
     }
     // Enter also folds a group row (the view's own keys): let it through.
     if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)
-        Q_EMIT released(Qt::LeftButton, currentRowCentre());
+        Q_EMIT released(Qt::LeftButton, currentRowCentre(), true);
     return false;
 }
 

@@ -18,7 +18,7 @@ public:
     explicit PlayerListClicks(QAbstractItemView &ListView2, QObject *parent = nullptr);
 
 Q_SIGNALS:
-    void released(Qt::MouseButton button, QPoint globalPos);
+    void released(Qt::MouseButton button, QPoint globalPos, bool fromKeyboard);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -8,7 +8,8 @@ namespace client {
 PictureButton::PictureButton(QWidget *parent) : QAbstractButton(parent)
 {
     setCursor(Qt::PointingHandCursor);
-    setFocusPolicy(Qt::NoFocus);
+    // Reached by Tab and pressed with Space; a click leaves the keyboard where it was.
+    setFocusPolicy(Qt::TabFocus);
     setIconSize(QSize(24, 24));
 }
 
@@ -40,6 +41,11 @@ void PictureButton::paintEvent(QPaintEvent *)
         glow.setAlpha(isDown() ? 110 : 60);
         painter.setPen(Qt::NoPen);
         painter.setBrush(glow);
+        painter.drawRoundedRect(rect().adjusted(1, 1, -1, -1), 4, 4);
+    }
+    if (hasFocus()) {
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(rect().adjusted(1, 1, -1, -1), 4, 4);
     }
     const QIcon::Mode mode = isEnabled() ? QIcon::Normal : QIcon::Disabled;
