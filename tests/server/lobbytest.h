@@ -13,7 +13,10 @@
 #include "server/store/diagnosticstore.h"
 #include "server/store/passwordhash.h"
 #include "server/store/statsstore.h"
+#include "server/web/livelobby.h"
+#include "server/web/pagestores.h"
 #include "server/web/statspages.h"
+#include "server/web/webroutes.h"
 #include "server/web/webserver.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"
@@ -143,7 +146,7 @@ public:
     // on first, so a test of the chat limit cannot use it.
     bool sync(TestClient *via);
 
-    // GET `pathAndQuery` ("/?p=stats&id=3") from the web pages.
+    // GET `pathAndQuery` ("/?p=stats&id=3") from the web pages, which see the lobby as it is.
     WebReply fetch(const QString &pathAndQuery);
 
     // Plays another process (an admin command, a backup) that takes the database's write lock
@@ -162,8 +165,11 @@ public:
     std::unique_ptr<server::LobbyServer> server;
     server::StatsStore stats{database};
     std::unique_ptr<server::StatsHandler> statsHandler;
-    server::WebServer web;
+    std::unique_ptr<server::LiveLobby> live;
+    std::unique_ptr<server::PageStores> pageStores;
+    server::WebRoutes routes;
     std::unique_ptr<server::StatsPages> pages;
+    std::unique_ptr<server::WebServer> web;
 
 private:
     std::vector<std::unique_ptr<TestClient>> m_clients; // closed before the server goes

@@ -2,6 +2,7 @@
 
 #include "server/lobby/lobbyconfig.h"
 #include "server/store/passwordhash.h"
+#include "server/web/weblimits.h"
 
 #include <QHostAddress>
 #include <QString>
@@ -20,6 +21,7 @@ struct ServerOptions
     QString databasePath;
     QString publishFile; // the client program offered for updates; empty: none
     LobbyConfig lobby;
+    WebLimits web;
     HashCost hashCost = HashCost::Standard;    // of the passwords registered while it runs
     QString logLevel = QStringLiteral("info"); // debug, info, warning or error
 };
