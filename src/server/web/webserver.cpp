@@ -92,6 +92,10 @@ MHD_Result onRequest(void *cls, MHD_Connection *connection, const char *url, con
         *uploadSize = 0; // a body sent anyway is dropped with the connection
         return MHD_YES;
     }
+    // The pages give way to the lobby when both want the processor: a crowd of visitors
+    // slows the pages, not the chat.
+    thread_local const bool yielding = ::setpriority(PRIO_PROCESS, id_t(::gettid()), 10) == 0;
+    Q_UNUSED(yielding);
     const auto &routes = *static_cast<const WebRoutes *>(cls);
 
     WebRequest request;

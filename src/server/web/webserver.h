@@ -14,9 +14,10 @@ class WebRoutes;
 // The web pages on their own port, served by GNU libmicrohttpd in a thread of its own, never
 // on the lobby's event loop. Requests are answered from `routes`; bodies are refused (413),
 // HEAD gets the headers of GET, "Connection: close" and HTTP/1.0 close after the answer, and
-// answers from a file are sent with sendfile. So that web visitors can never take the
-// descriptors the lobby needs, at most a quarter of the process's descriptor limit goes to
-// web connections, whatever `limits` says.
+// answers from a file are sent with sendfile. The pages' thread runs at a lower priority than
+// the lobby's, so that crowds of visitors slow the pages, not the chat. So that web visitors can
+// never take the descriptors the lobby needs, at most a quarter of the process's descriptor limit
+// goes to web connections, whatever `limits` says.
 class WebServer
 {
 public:
