@@ -19,13 +19,12 @@ bool ServerProcess::start(const QString &program, const QStringList &arguments)
     const bool lobby = program == kLobbyServer;
     if (lobby && !args.contains(QStringLiteral("--http-port")))
         args << QStringLiteral("--http-port") << QStringLiteral("0");
-    const int descriptors = m_descriptorLimit;
-    m_process.setChildProcessModifier([descriptors] {
-        if (descriptors > 0) {
+    if (const int descriptors = m_descriptorLimit; descriptors > 0) {
+        m_process.setChildProcessModifier([descriptors] {
             const rlimit limit{rlim_t(descriptors), rlim_t(descriptors)};
             setrlimit(RLIMIT_NOFILE, &limit);
-        }
-    });
+        });
+    }
     m_process.start(program, args);
     QByteArray out;
     QByteArray err;
