@@ -5,6 +5,10 @@
 #include "server/store/database.h"
 #include "server/store/statsstore.h"
 
+#include <atomic>
+#include <map>
+#include <memory>
+
 namespace server {
 
 struct PageStores::Readers
@@ -14,19 +18,27 @@ struct PageStores::Readers
     StatsStore stats{database};
 };
 
-PageStores::PageStores(QString databasePath) : m_path(std::move(databasePath)) {}
+namespace {
 
-PageStores::~PageStores() = default;
+std::atomic<quint64> s_instances{0};
 
-PageStores::Readers *PageStores::readers()
+// Each thread's connections, closed by the thread itself as it ends.
+thread_local std::map<quint64, std::unique_ptr<PageStores::Readers>> t_readers;
+
+} // namespace
+
+PageStores::PageStores(QString databasePath) : m_path(std::move(databasePath)), m_id(++s_instances)
 {
-    const QMutexLocker lock(&m_mutex);
-    std::unique_ptr<Readers> &mine = m_readers[std::this_thread::get_id()];
+}
+
+PageStores::Readers *PageStores::readers() const
+{
+    std::unique_ptr<Readers> &mine = t_readers[m_id];
     if (!mine) {
         auto opened = std::make_unique<Readers>();
         if (!opened->database.openReadOnly(m_path)) {
             qCWarning(lcStore).noquote()
-                << "pages cannot read the database:" << opened->database.errorString();
+                << "the web pages cannot read the database:" << opened->database.errorString();
             return nullptr;
         }
         mine = std::move(opened);
@@ -34,13 +46,13 @@ PageStores::Readers *PageStores::readers()
     return mine.get();
 }
 
-const AccountStore *PageStores::accounts()
+const AccountStore *PageStores::accounts() const
 {
     Readers *r = readers();
     return r ? &r->accounts : nullptr;
 }
 
-const StatsStore *PageStores::stats()
+const StatsStore *PageStores::stats() const
 {
     Readers *r = readers();
     return r ? &r->stats : nullptr;

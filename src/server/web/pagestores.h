@@ -1,10 +1,6 @@
 #pragma once
 
-#include <QMutex>
 #include <QString>
-#include <map>
-#include <memory>
-#include <thread>
 
 namespace server {
 
@@ -13,27 +9,24 @@ class StatsStore;
 
 // The accounts and statistics as the pages read them: through read-only connections of their
 // own beside the lobby's writer, one per thread that asks (a QtSql connection belongs to the
-// thread that opened it), opened on first use and again after a failure.
+// thread that opened it and is closed by it when the thread ends), opened on first use and
+// again after a failure.
 class PageStores
 {
 public:
-    struct Readers;
-
     explicit PageStores(QString databasePath);
-    ~PageStores();
-    PageStores(const PageStores &) = delete;
-    PageStores &operator=(const PageStores &) = delete;
 
     // The calling thread's readers; nullptr while the database cannot be opened.
-    const AccountStore *accounts();
-    const StatsStore *stats();
+    const AccountStore *accounts() const;
+    const StatsStore *stats() const;
+
+    struct Readers;
 
 private:
-    Readers *readers();
+    Readers *readers() const;
 
     QString m_path;
-    QMutex m_mutex;
-    std::map<std::thread::id, std::unique_ptr<Readers>> m_readers;
+    quint64 m_id; // the key of this instance's readers in each thread
 };
 
 } // namespace server
