@@ -44,7 +44,7 @@ kill "${pids[0]}"
 
 lobby_port=$(free_port)
 "$server" --listen 127.0.0.1 --port "$lobby_port" --http-port 0 --db "$work/lobby.sqlite" \
-    --registration open --hash-cost minimal --max-connections-per-address 100000 \
+    --registration open --registration-per-hour 1000000 --hash-cost minimal --max-connections-per-address 100000 \
     --log-level warning >"$work/lobby.log" 2>&1 &
 pids+=($!)
 for _ in $(seq 100); do grep -q 'lobby listening' "$work/lobby.log" && break; sleep 0.1; done

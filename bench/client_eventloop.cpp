@@ -7,6 +7,7 @@
 // Counters: arrival_ms, the time the arrival's own handling took; turns, the loop turns until
 // all was shown.
 #include "client/app/form1.h"
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/platform/clock.h"
@@ -71,7 +72,7 @@ struct Lobby
 {
     Lobby()
         : connection(dispatcher),
-          chat(form.txtChat, form.txtChatSend, form.Picture3, connection, session, clock),
+          chat(form.txtChat, form.txtChatSend, form.Picture3, connection, session, clock, ignored),
           handlers(players, dispatcher)
     {
         chat.registerHandler(dispatcher);
@@ -86,9 +87,10 @@ struct Lobby
     SessionState session;
     LobbyDispatcher dispatcher;
     LobbyConnection connection;
+    IgnoreList ignored{QString()};
     LobbyChat chat;
     PlayerListModel players;
-    PlayerListFilter filter{players};
+    PlayerListFilter filter{players, ignored};
     PlayerListHandlers handlers;
 };
 

@@ -9,6 +9,7 @@
 //                                              the old way: an item model re-sorted whole, and
 //                                              the groups counted by walking every row, after
 //                                              each message; lookups by a scan from the top
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/playerlistfilter.h"
 #include "client/presence/playerlisthandlers.h"
@@ -141,7 +142,8 @@ struct FilteredList : ClientList
         return ClientList::holds(counts);
     }
 
-    PlayerListFilter filter{model};
+    IgnoreList ignored{QString()};
+    PlayerListFilter filter{model, ignored};
 };
 
 // The old way, for comparison: a plain item model sorted whole after every message.

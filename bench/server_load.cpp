@@ -285,8 +285,9 @@ quint16 startServer(QProcess &server, const QString &db, quint16 *webPort = null
     server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     server.start(g_settings.server,
                  QStringList{"--port", "0", "--http-port", "0", "--listen", "127.0.0.1", "--db", db,
-                             "--registration", "open", "--log-level", "warning",
-                             "--max-connections-per-address", "100000", "--idle-timeout", "3600"} +
+                             "--registration", "open", "--registration-per-hour", "1000000",
+                             "--log-level", "warning", "--max-connections-per-address", "100000",
+                             "--idle-timeout", "3600"} +
                      extra);
     QByteArray out;
     static const QRegularExpression listening(QStringLiteral("lobby listening on .*:(\\d+)\\n"));

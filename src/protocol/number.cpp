@@ -26,6 +26,21 @@ std::optional<qint64> readWholeNumber(QStringView text)
     return static_cast<qint64>(whole);
 }
 
+std::optional<qint64> readCountedNumber(QStringView text, Sign sign)
+{
+    const bool negative = sign == Sign::MayBeNegative && text.startsWith(u'-');
+    const QStringView digits = negative ? text.sliced(1) : text;
+    if (digits.isEmpty() || digits.size() > kMaxCountedDigits)
+        return std::nullopt;
+    qint64 value = 0;
+    for (const QChar c : digits) {
+        if (c < u'0' || c > u'9')
+            return std::nullopt;
+        value = value * 10 + (c.unicode() - u'0');
+    }
+    return negative ? -value : value;
+}
+
 NumberText NumberText::of(double value)
 {
     return {QString::number(value, 'g', 15), value};

@@ -20,6 +20,15 @@ std::optional<double> readNumber(QStringView text);
 // that is not a number or a value outside the range of qint64.
 std::optional<qint64> readWholeNumber(QStringView text);
 
+// Whether a counted figure may be below zero.
+enum class Sign { NotNegative, MayBeNegative };
+
+// The strict form of a whole number that is counted, for fields whose texts are stored and
+// added up: decimal digits only, a leading '-' only where the figure may be negative, and at
+// most kMaxCountedDigits digits. Not counted numbers: "+5", "5.0", " 5", "1e3", "" and "-".
+inline constexpr int kMaxCountedDigits = 9;
+std::optional<qint64> readCountedNumber(QStringView text, Sign sign);
+
 // A number field that is passed on or shown in the form it came in ("007", "2.50") and also
 // counted: the text as it travels and, read once, its value (nullopt when the text is not a
 // number).

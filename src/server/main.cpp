@@ -3,6 +3,7 @@
 #include "server/core/clock.h"
 #include "server/core/serverlog.h"
 #include "server/lobby/lobbyserver.h"
+#include "server/lobby/roundannouncer.h"
 #include "server/lobby/statshandler.h"
 #include "server/net/filelimit.h"
 #include "server/store/accountstore.h"
@@ -45,7 +46,8 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     server::PasswordWorker passwords(options.hashCost);
     server::SteadyClock clock;
     server::LobbyServer lobby(options.lobby, accounts, buddies, diagnostics, passwords, clock);
-    server::StatsHandler statsHandler(stats, lobby.limits());
+    server::RoundAnnouncer rounds(lobby.rooms(), options.webAddress);
+    server::StatsHandler statsHandler(stats, lobby.limits(), &rounds);
     statsHandler.registerWith(lobby.router());
     if (!lobby.listen(options.listenAddress, options.port)) {
         err << "quorvel-server: cannot listen on " << options.listenAddress.toString() << ':'
@@ -67,11 +69,13 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
     server::StatsPages pages(live, pageStores);
     pages.addRoutes(routes);
     server::WebServer web(routes, options.web);
-    if (web.listen(options.listenAddress, options.httpPort))
+    if (web.listen(options.listenAddress, options.httpPort)) {
+        rounds.setWebPort(web.serverPort());
         out << "web listening on " << shown << ':' << web.serverPort() << Qt::endl;
-    else
+    } else {
         err << "quorvel-server: cannot listen on " << shown << ':' << options.httpPort
             << " for the web pages; running without them" << Qt::endl;
+    }
     return QCoreApplication::exec();
 }
 

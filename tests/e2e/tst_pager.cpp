@@ -1,13 +1,19 @@
-// Two clients against the real lobby server: the player menu and buddies, and a conversation
-// in private messages. (When a message sounds and marks its sender unread is the pager's unit
-// test; the lobby chat and hiding to the tray are the chat's, the server's and the tray's.)
-// ctest: timeout=120
+// Two clients against the real lobby server: the player menu, buddies and ignoring, and a
+// conversation in private messages, also one from an earlier run. (When a message sounds and marks
+// its sender unread is the pager's unit test; the lobby chat and hiding to the tray are the chat's,
+// the server's and the tray's.) ctest: timeout=120
 #include "client/app/appwindows.h"
 #include "client/lobby/lobbyconnection.h"
+#include "client/pager/conversationarchive.h"
 #include "client/pager/frmpager.h"
 #include "client/pager/pager.h"
+#include "client/presence/chatlog.h"
 #include "client/presence/frmmenu.h"
+#include "client/presence/lobbychat.h"
+#include "client/rooms/roomsession.h"
+#include "client/rooms/roomstate.h"
 #include "client/settings/options.h"
+#include "protocol/chat.h"
 #include "protocol/presence.h"
 #include "support/lobbyclient.h"
 
@@ -17,6 +23,8 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextBrowser>
 
 using namespace client;
 using protocol::Presence;
@@ -143,6 +151,11 @@ private Q_SLOTS:
         QCOMPARE(ann->tray.messages,
                  told ? QStringList{"QUORVEL: " + bob->name + " has started a game"}
                       : QStringList());
+        // A click on that note joins the buddy's game, as the menu's Join Game does.
+        ann->app.options().setPathRS(kGameFolder);
+        ann->tray.clickMessage();
+        QCOMPARE(ann->games.commandLines.value(0).mid(1),
+                 told ? QStringList({"-client", address, "2346"}) : QStringList());
 
         clickPlayer(*ann, bob->name, Qt::RightButton);
         QVERIFY(menu->mnuChatPopup->isVisible());
@@ -195,9 +208,12 @@ private Q_SLOTS:
         const QString both = line + bob->name + ":  hi\r\n";
         QTRY_COMPARE(historyWith(*ann, bob->name), both);
         QCOMPARE(annPager->txtHistory->toPlainText(), QString(both).replace("\r\n", "\n"));
-        // The pager shares the chat's pace of one line per three seconds: too soon, it stays.
+        // The pager shares the chat's pace of one line per three seconds: too soon, it stays,
+        // and the send button counts down the wait as the chat's does.
         typeMessage(*bob, QStringLiteral("too soon"), 0);
         QCOMPARE(bobPager->txtSkicka->text(), "too soon");
+        QCOMPARE(bobPager->Picture3->text(), "4");
+        QVERIFY(!bobPager->Picture3->isEnabled());
 
         const qint64 bobIndex = ann->app.pager().current();
         bob.reset();
@@ -207,6 +223,64 @@ private Q_SLOTS:
         QVERIFY(annPager->txtSkicka->text().isEmpty());
         roundTrip(*ann, *ann);
         QCOMPARE(ann->app.pager().history(bobIndex), both);
+    }
+
+    // Ann ignores Bob and talks with Cy, then starts again on her files. The pager shows her
+    // conversation with Cy from before, grey under "Earlier conversation"; Bob's entry is marked
+    // and his lobby line, room line and private message, sent before Cy's, never show.
+    void ignoringAndConversationsAcrossARestart()
+    {
+        LobbyClient cy(QStringLiteral("cy%1").arg(m_pair), m_server);
+        QVERIFY(logIn({&cy}) && waitUntil([&] { return !ann->statusOf(cy.name).isEmpty(); }));
+        clickPlayer(*ann, bob->name, Qt::RightButton);
+        FrmMenu *menu = ann->app.windows().frmMenu();
+        QVERIFY(menu->mnuIgnore->isVisible() && !menu->mnuStopIgnoring->isVisible());
+        menu->mnuIgnore->trigger();
+        menu->mnuChatPopup->hide();
+        clickPlayer(*ann, cy.name, Qt::LeftButton);
+        typeMessage(*ann, QStringLiteral("see you"));
+        QTRY_COMPARE(
+            ConversationArchive(ann->dataFolder() + "/pm", ann->clock).earlierLines(cy.name).size(),
+            1);
+
+        ann = std::make_unique<LobbyClient>(ann->name, m_server, ann->dataFolder());
+        QVERIFY(logIn({ann.get()}));
+        QTRY_VERIFY(!ann->statusOf(bob->name).isEmpty() && !ann->statusOf(cy.name).isEmpty());
+        QAbstractItemModel *list = ann->app.form().ListView2->model();
+        const QModelIndexList marked =
+            list->match(list->index(0, 0), Qt::ToolTipRole, "ignored", -1, Qt::MatchExactly);
+        QCOMPARE(marked.size(), 1);
+        QCOMPARE(marked.first().data().toString(), bob->name);
+        clickPlayer(*ann, cy.name, Qt::LeftButton);
+        const QPlainTextEdit *history = ann->app.windows().frmPager()->txtHistory;
+        QCOMPARE(history->toPlainText(), "Earlier conversation\n" + ann->name + ":  see you\n");
+        const auto colourOf = [history](int block) {
+            const QTextBlock line = history->document()->findBlockByNumber(block);
+            return line.begin().fragment().charFormat().foreground().color();
+        };
+        QVERIFY(colourOf(1) != QColor(Qt::black) && colourOf(1) == colourOf(0));
+        ann->app.windows().frmPager()->hide(); // so that a message sounds
+
+        ann->createRoom(QStringLiteral("quiet"));
+        for (LobbyClient *member : {bob.get(), &cy}) {
+            QTRY_VERIFY(member->app.rooms().findRoomRow(ann->name) >= 0);
+            member->doubleClickRoom(ann->name);
+        }
+        QTRY_COMPARE(ann->app.room().memberNames().size(), 3);
+        // Cy speaks once the server has passed on Bob's lines: Ann gets his before hers.
+        for (LobbyClient *speaker : {bob.get(), &cy}) {
+            const QString text = "from " + speaker->name;
+            speaker->app.connection().send(protocol::ChatLineToServer{text});
+            speaker->app.connection().send(protocol::PrivateMessageToServer{ann->name, text});
+            speaker->app.roomSession().sendChat(text);
+            QTRY_VERIFY(cy.app.room().chatLines().contains(speaker->name + ": " + text));
+        }
+        QTRY_COMPARE(ann->app.room().chatLines(), QStringList{cy.name + ": from " + cy.name});
+        QCOMPARE(ann->app.chat().log().lines().last().text, "from " + cy.name);
+        QVERIFY(!ann->app.form().txtChat->toPlainText().contains("from " + bob->name));
+        QCOMPARE(historyWith(*ann, bob->name), "");
+        QCOMPARE(historyWith(*ann, cy.name), cy.name + ":  from " + cy.name + "\r\n");
+        QCOMPARE(ann->player.played.filter("A_CRHRN1").size(), 1); // Cy's message
     }
 };
 

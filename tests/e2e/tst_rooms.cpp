@@ -157,7 +157,7 @@ private Q_SLOTS:
         }
         // The room's game stays listed: a double-click there joins it and opens no room.
         QSignalSpy bobGame(&bob.app.roomSession(), &RoomSession::gameClientStartRequested);
-        Q_EMIT bob.app.form().ListView1->doubleClicked(
+        Q_EMIT bob.app.form().ListView1->activated(
             bob.rooms().index(bob.rooms().findRowByTag("127.0.0.1", true), 0));
         QCOMPARE(bobGame.count(), 1);
         QVERIFY(!bob.window());

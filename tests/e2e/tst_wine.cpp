@@ -131,7 +131,7 @@ private Q_SLOTS:
         bob.app.windows().frmMakeRoom()->Text1->insert("wine");
         bob.app.windows().frmMakeRoom()->Picture3->click();
         QTRY_VERIFY(ann.app.rooms().findRoomRow("bob") >= 0);
-        Q_EMIT ann.app.form().ListView1->doubleClicked(
+        Q_EMIT ann.app.form().ListView1->activated(
             ann.app.rooms().index(ann.app.rooms().findRoomRow("bob"), 0));
         QTRY_COMPARE(bob.app.room().memberNames().size(), 2);
         ann.app.windows().frmRoom()->Picture4->click();

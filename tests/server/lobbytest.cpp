@@ -1,6 +1,7 @@
 #include "lobbytest.h"
 
 #include "protocol/wiremessage.h"
+#include "server/core/serverlog.h"
 
 #include <QSqlQuery>
 #include <utility>
@@ -111,13 +112,47 @@ std::optional<Message> TestClient::login(const QString &name, const QString &pas
     return take(Code::LoginAccepted, 0);
 }
 
+namespace {
+std::optional<QStringList> g_captured;
+QtMessageHandler g_passOn = nullptr;
+
+void capture(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (g_captured && QByteArrayView(context.category).startsWith("quorvel."))
+        g_captured->append(message);
+    else
+        g_passOn(type, context, message);
+}
+} // namespace
+
+LogCapture::LogCapture()
+{
+    Q_ASSERT(!g_captured);
+    g_captured.emplace();
+    // Installed once, beneath the server's escaping, which passes what it writes on to it.
+    if (!g_passOn)
+        g_passOn = qInstallMessageHandler(capture);
+    server::setUpServerLog(QStringLiteral("info"));
+}
+
+LogCapture::~LogCapture()
+{
+    g_captured.reset();
+}
+
+QStringList LogCapture::lines() const
+{
+    return *g_captured;
+}
+
 TestLobby::TestLobby(server::LobbyConfig config, server::HashCost cost) : cost(cost)
 {
     database.open(dir.filePath("lobby.sqlite"));
     server = std::make_unique<server::LobbyServer>(config, accounts, buddies, diagnostics,
                                                    passwords, clock);
     server->listen(QHostAddress::LocalHost, 0);
-    statsHandler = std::make_unique<server::StatsHandler>(stats, server->limits());
+    rounds = std::make_unique<server::RoundAnnouncer>(server->rooms());
+    statsHandler = std::make_unique<server::StatsHandler>(stats, server->limits(), rounds.get());
     statsHandler->registerWith(server->router());
     live = std::make_unique<server::LiveLobby>(server->lobby(), server->rooms());
     pageStores = std::make_unique<server::PageStores>(database.handle().databaseName());
@@ -125,6 +160,7 @@ TestLobby::TestLobby(server::LobbyConfig config, server::HashCost cost) : cost(c
     pages->addRoutes(routes);
     web = std::make_unique<server::WebServer>(routes);
     web->listen(QHostAddress::LocalHost, 0);
+    rounds->setWebPort(web->serverPort());
 }
 
 int TestLobby::addAccount(const QString &name, const QString &password, const QString &email)

@@ -6,6 +6,7 @@
 #include "server/core/clock.h"
 #include "server/lobby/lobbyconfig.h"
 #include "server/lobby/lobbyserver.h"
+#include "server/lobby/roundannouncer.h"
 #include "server/lobby/statshandler.h"
 #include "server/store/accountstore.h"
 #include "server/store/buddystore.h"
@@ -116,6 +117,16 @@ private:
     bool m_malformed = false;
 };
 
+// The server's log lines (its quorvel.* categories, info and above) while an instance lives,
+// as the log writes them: through the server's own escaping. One at a time.
+class LogCapture
+{
+public:
+    LogCapture();
+    ~LogCapture();
+    QStringList lines() const;
+};
+
 // A lobby server in the test process on an ephemeral loopback port, over a fresh database in a
 // temporary folder, hashing passwords at the least cost unless told otherwise, with its statistics
 // and web pages on another port. Its clock for the rate limits stands still until advanced.
@@ -164,6 +175,7 @@ public:
     ManualServerClock clock;
     std::unique_ptr<server::LobbyServer> server;
     server::StatsStore stats{database};
+    std::unique_ptr<server::RoundAnnouncer> rounds;
     std::unique_ptr<server::StatsHandler> statsHandler;
     std::unique_ptr<server::LiveLobby> live;
     std::unique_ptr<server::PageStores> pageStores;

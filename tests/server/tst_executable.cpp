@@ -32,6 +32,9 @@ private Q_SLOTS:
         row("bad listen address", {"--listen", "nowhere"}, "--listen");
         row("bad idle limit", {"--idle-timeout", "-1"}, "--idle-timeout");
         row("bad hash cost", {"--hash-cost", "none"}, "--hash-cost");
+        row("no registrations an hour", {"--registration-per-hour", "0"}, "--registration-per");
+        row("web address not http", {"--web-address", "ftp://lobby"}, "--web-address");
+        row("web address with a query", {"--web-address", "http://lobby/?p=1"}, "--web-address");
         row("database is a folder", {"--db", m_dir.path(), "--port", "0"},
             "cannot open the database");
         row("database from a newer server", {"--db", newer, "--port", "0"},
@@ -123,7 +126,8 @@ private Q_SLOTS:
     {
         const auto parsed = server::parseCommandLine(
             {"quorvel-server", "--listen", "::1", "--port", "0", "--http-port", "8080",
-             "--versions", "V 6.0,,V 6.1 ", "--login-timeout", "2.5", "--idle-timeout", "60"});
+             "--versions", "V 6.0,,V 6.1 ", "--login-timeout", "2.5", "--idle-timeout", "60",
+             "--registration-per-hour", "10", "--web-address", "https://lobby.example.org/"});
         const auto *options = std::get_if<server::ServerOptions>(&parsed);
         QVERIFY(options);
         QCOMPARE(options->listenAddress, QHostAddress("::1"));
@@ -132,6 +136,8 @@ private Q_SLOTS:
         QCOMPARE(options->lobby.versions, QStringList({"V 6.0", "V 6.1"}));
         QCOMPARE(options->lobby.loginTimeoutMs, 2500); // seconds on the command line
         QCOMPARE(options->lobby.idleTimeoutMs, 60000);
+        QCOMPARE(options->lobby.registrationsPerHour, 10);
+        QCOMPARE(options->webAddress, "https://lobby.example.org/");
     }
 
 private:

@@ -1,12 +1,15 @@
 // Hostile clients against the lobby: floods that would reach everyone stop at their limit
 // while an honest player stays connected and answered; logins cannot be starved or timed to
 // tell names apart; names and relayed text cannot impersonate; connections per address are
-// capped; a database the server cannot trust keeps it from starting.
+// capped, and so are registrations; refusals are logged in summary; a database the server
+// cannot trust keeps it from starting.
 // ctest: timeout=300
 #include "lobbytest.h"
 #include "server/admin/admincommands.h"
 #include "server/admin/serveroptions.h"
 #include "server/lobby/accountlimits.h"
+#include "server/lobby/loginhandler.h"
+#include "server/lobby/registrationcap.h"
 
 #include <QFile>
 #include <QProcess>
@@ -268,6 +271,59 @@ private Q_SLOTS:
             kept.append(client->isConnected());
         }
         QCOMPARE(kept, QList<bool>({true, true, true, false, true, true, false}));
+    }
+
+    // Refused connections are logged as the first one and a count per interval, not a line each.
+    void refusalsAreSummarised()
+    {
+        LogCapture log;
+        server::LobbyConfig config;
+        config.maxConnectionsPerAddress = 1;
+        config.refusalSummaryMs = 1000;
+        TestLobby lobby(config);
+        QVERIFY(lobby.connected()->isConnected());
+        for (int batch = 0; batch < 30; ++batch) { // 3,000 refused
+            std::array<QTcpSocket, 100> sockets;
+            for (QTcpSocket &s : sockets)
+                s.connectToHost(QHostAddress::LocalHost, lobby.server->serverPort());
+            QVERIFY(waitUntil([&] {
+                return std::all_of(sockets.cbegin(), sockets.cend(), [](const QTcpSocket &s) {
+                    return s.state() == QAbstractSocket::UnconnectedState;
+                });
+            }));
+        }
+        // "addr=A refused: CAUSE" once, then "addr=A refused N more times in ...: CAUSE".
+        const auto counted = [&] {
+            int count = 0;
+            for (const QString &line : log.lines().filter("refused"))
+                count += std::max(1, line.section(' ', 2, 2).toInt());
+            return count;
+        };
+        QVERIFY(waitUntil([&] { return counted() == 3000; }));
+        QVERIFY(log.lines().filter("refused").size() <= 30);
+    }
+
+    // One address registers a few accounts an hour; the next is told why it is refused, while
+    // other addresses and existing accounts are unaffected.
+    void registrationsPerAddressAreCapped()
+    {
+        server::LobbyConfig config;
+        config.openRegistration = true;
+        config.registrationsPerHour = 2;
+        TestLobby lobby(config);
+        lobby.addAccount("Anna");
+        const auto registers = [&](const QString &name, int host) {
+            return lobby.connected(loopback(host))->login(name, "pw").has_value();
+        };
+        QVERIFY(registers("New1", 2) && registers("New2", 2));
+        TestClient *third = lobby.connected(loopback(2));
+        QVERIFY(!third->login("New3", "pw"));
+        QCOMPARE(third->fields(Code::RoomRefused),
+                 Rows{{server::LoginHandler::kTooManyRegistrations}});
+        QVERIFY(!lobby.accounts.findByName("New3"));
+        QVERIFY(registers("Anna", 2) && registers("New3", 3));
+        lobby.clock.advance(server::RegistrationCap::kWindowMs);
+        QVERIFY(registers("New4", 2));
     }
 
     void untrustworthyDatabaseStopsTheStart_data()

@@ -7,6 +7,7 @@
 
 using protocol::StatsRecord;
 using protocol::StatsUpload;
+using server::StoredRound;
 
 namespace {
 
@@ -41,6 +42,24 @@ int roundsOf(const TestLobby &lobby, int accountId)
 QString pageOf(TestLobby &lobby, int accountId)
 {
     return lobby.fetch(QStringLiteral("/?p=stats&id=%1").arg(accountId)).body;
+}
+
+// 16 players with texts as long as the lobby keeps them: more than a page of records.
+StatsUpload bigRound()
+{
+    StatsRecord other = player("Other");
+    other.p4 = other.p5 = other.p6 = other.p8 = QString(server::StatsHandler::kMaxTextChars, u'o');
+    return round(1, QList<StatsRecord>{player("Anna")} + QList<StatsRecord>(15, other));
+}
+
+// Plays a full disk for the server's connection: not one page more than the file has now.
+bool setDiskFull(TestLobby &lobby, bool full)
+{
+    QSqlQuery query(lobby.database.handle());
+    if (!query.exec("PRAGMA page_count") || !query.next())
+        return false;
+    const QString limit = full ? query.value(0).toString() : QStringLiteral("1073741823");
+    return query.exec("PRAGMA max_page_count = " + limit);
 }
 
 // The fields of a round with `records` copies of one record, as a client would send them.
@@ -80,6 +99,14 @@ private Q_SLOTS:
         QTest::newRow("negative own index") << uploadFields("-1", "Survival", 1) << "own index";
         QTest::newRow("P1 not a number") << one(4, "lots") << "P1";
         QTest::newRow("P3 a hex number") << one(7, "0x10") << "P3";
+        // Counted figures have one form: what the games write, and no other.
+        QTest::newRow("P2 negative") << one(6, "-5") << "P2";
+        QTest::newRow("P2 with a plus") << one(6, "+5") << "P2";
+        QTest::newRow("P2 with a fraction") << one(6, "5.0") << "P2";
+        QTest::newRow("P2 with a blank") << one(6, " 5") << "P2";
+        QTest::newRow("P3 of ten digits") << one(7, "1234567890") << "P3";
+        QTest::newRow("P1 only a minus") << one(4, "-") << "P1";
+        QTest::newRow("own index with a plus") << uploadFields("+1", "Survival", 1) << "own index";
     }
     void malformedUploadsAreKeptApart()
     {
@@ -186,22 +213,25 @@ private Q_SLOTS:
         QTest::newRow("round") << QList{Code::StatsUpload} << 1 << 0;
         QTest::newRow("round, then reset") << QList{Code::StatsUpload, Code::StatsReset} << 0 << 0;
         QTest::newRow("malformed upload") << QList{Code::KeepAlive} << 0 << 1;
+        QTest::newRow("round, disk full") << QList{Code::StatsUpload} << 1 << -1;
     }
 
-    // Another process (an admin command, a backup) holds the write lock: nothing is lost, and
-    // the writes land in the order they came once it lets go.
+    // Another process (an admin command, a backup) holds the write lock, or the disk is full
+    // (rejected -1; played by a page limit on the server's connection): nothing is lost, and the
+    // writes land in the order they came once the database takes them again.
     void writesWaitOutALockedDatabase()
     {
         QFETCH(QList<Code>, sent);
         QFETCH(int, rounds);
         QFETCH(int, rejected);
+        const bool diskFull = rejected < 0;
         TestLobby lobby;
         TestClient *anna = lobby.loggedIn("Anna");
         const int annaId = lobby.idOf("Anna");
-        QVERIFY(lobby.lockDatabase());
+        QVERIFY(diskFull ? setDiskFull(lobby, true) : lobby.lockDatabase());
         for (const Code code : sent) {
             if (code == Code::StatsUpload)
-                anna->sendRaw(round(1, {player("Anna")}).encode());
+                anna->sendRaw(bigRound().encode());
             else if (code == Code::StatsReset)
                 anna->send(Code::StatsReset);
             else
@@ -209,14 +239,83 @@ private Q_SLOTS:
         }
         QVERIFY(lobby.sync(anna));
         QCOMPARE(lobby.stats.rejected().size() + roundsOf(lobby, annaId), 0);
-        QVERIFY(lobby.unlockDatabase());
+        QVERIFY(diskFull ? setDiskFull(lobby, false) : lobby.unlockDatabase());
         QSqlQuery uploads(lobby.database.handle());
         QVERIFY(waitUntil([&] {
             return uploads.exec("SELECT COUNT(*) FROM stats_uploads") && uploads.next() &&
                    uploads.value(0).toInt() + lobby.stats.rejected().size() == 1;
         }));
         QVERIFY(waitUntil([&] { return roundsOf(lobby, annaId) == rounds; }));
-        QCOMPARE(lobby.stats.rejected().size(), rejected);
+        QCOMPARE(lobby.stats.rejected().size(), std::max(rejected, 0));
+    }
+
+    // Texts are stored without controls and no longer than a results log holds them (a kill of
+    // himself makes a player's kills negative); a refused upload's field reaches the log as one
+    // escaped line of bounded length, however it tries to look like more.
+    void textsAreCleanedAndCut()
+    {
+        LogCapture log;
+        TestLobby lobby;
+        TestClient *anna = lobby.loggedIn("Anna");
+        StatsRecord record = player(QString(10'000, u'n'), "-7", "2", "-1");
+        record.p4 = QStringLiteral("a\x1b[31mb\x7f\u0081c\u009d\x01"); // C1 as the code page has it
+        record.killedBy = QString(10'000, u'k');
+        anna->sendRaw(
+            StatsUpload{1, "Map\r\nforged", "Survival", QString(10'000, u'b'), {record}}.encode());
+        QVERIFY(lobby.sync(anna));
+        const StoredRound stored = lobby.stats.recentRounds(lobby.idOf("Anna"), 1).value(0);
+        QCOMPARE(stored.headerA, "Mapforged");
+        QCOMPARE(stored.headerB, QString(server::StatsHandler::kMaxTextChars, u'b'));
+        const StatsRecord kept = stored.records.value(0);
+        QCOMPARE(kept.playerName, QString(server::StatsHandler::kMaxNameChars, u'n'));
+        QCOMPARE(kept.killedBy, QString(server::StatsHandler::kMaxNameChars, u'k'));
+        QCOMPARE(kept.p4, "a[31mbc");
+        QCOMPARE(lobby.stats.totalsByGameType(lobby.idOf("Anna")).value(0).p3, -1.0);
+
+        const QString forged =
+            "\n2026-01-01T00:00:00.000 warning quorvel.login forged\x1b[2J" + QString(60'000, u'x');
+        anna->send(Code::StatsUpload, uploadFields("1", "Survival" + forged, 1));
+        QVERIFY(lobby.sync(anna));
+        const QStringList lines = log.lines().filter("forged");
+        QCOMPARE(lines.size(), 1);
+        const QString &line = lines[0];
+        QVERIFY(line.contains("Survival\\x0a2026-01-01") && line.contains("forged\\x1b[2J"));
+        QVERIFY(std::none_of(line.cbegin(), line.cend(), [](QChar c) { return c < u' '; }));
+        QVERIFY(line.size() <= server::kMaxLogTextChars + 1);
+        QVERIFY(line.endsWith(QChar(0x2026)));
+    }
+
+    // A counted round of players in a room is told in the room once, with the page that lists it.
+    void roundIsToldInTheRoom()
+    {
+        TestLobby lobby;
+        auto [anna, bert] = lobby.loggedIn("Anna", "Bert");
+        anna->send(Code::AddRoom, {"Anna's room"});
+        bert->send(Code::JoinRoom, {"Anna", QString()});
+        QVERIFY(anna->take(Code::MemberJoined));
+        StatsUpload played{1,
+                           "Oil Refinery",
+                           "Team Survival",
+                           "Server",
+                           {player("Anna", "3", "2", "0"), player("Bert", "3", "2", "2"),
+                            player("Eve", "3", "2", "1"), player("Finn", "3", "2", "-1")}};
+        anna->sendRaw(played.encode());
+        const QString path = QStringLiteral("/?p=stats&id=%1").arg(lobby.idOf("Anna"));
+        const QString line =
+            QStringLiteral("QUORVEL: Team Survival on Oil Refinery, most kills: Bert 2, Eve 1, "
+                           "Anna 0 - http://127.0.0.1:%1%2")
+                .arg(lobby.web->serverPort())
+                .arg(path);
+        for (TestClient *member : {anna, bert})
+            QCOMPARE(member->fields(Code::RoomChat), Rows{{line}});
+
+        played.ownIndex = 2; // Bert's upload of the same round
+        bert->sendRaw(played.encode());
+        QVERIFY(lobby.sync(bert));
+        QCOMPARE(roundsOf(lobby, lobby.idOf("Bert")), 1);
+        QVERIFY(!anna->hasPending(Code::RoomChat) && !bert->hasPending(Code::RoomChat));
+        const QString page = lobby.fetch(path).body;
+        QVERIFY(page.contains("Oil Refinery") && page.contains("<td>Finn</td>"));
     }
 
     void playerTextIsEscapedOnEveryPage()

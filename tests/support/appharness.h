@@ -18,17 +18,26 @@ struct AppProgram
 };
 
 // The whole client as the program builds it, over the fakes, with its data folder, Wine prefix
-// and registry files in a temporary home of its own. Nothing starts until `app.start()`.
+// and registry files in a temporary home of its own. Nothing starts until `app.start()`. Given
+// `earlierData` (another harness's data folder), the data folder starts as a copy of it: the
+// program started again on the files an earlier run left.
 struct AppHarness
 {
-    explicit AppHarness(client::ServerAddresses servers = {}, AppProgram program = {})
+    explicit AppHarness(client::ServerAddresses servers = {}, AppProgram program = {},
+                        const QString &earlierData = {})
         : app({&tray, &player, &clock, &ticks, &registry, &dialogs, home.filePath("wine"),
-               dataFolder(), program.file, program.update, program.options, &games, nullptr,
-               nullptr, nullptr, &keys},
+               takeOver(earlierData), program.file, program.update, program.options, &games,
+               nullptr, nullptr, nullptr, &keys},
               std::move(servers))
     {
     }
     QString dataFolder() const { return home.filePath("data"); }
+    QString takeOver(const QString &earlierData) const
+    {
+        if (!earlierData.isEmpty())
+            copyFolder(earlierData, dataFolder());
+        return dataFolder();
+    }
 
     QTemporaryDir home;
     FakeTray tray;

@@ -37,6 +37,8 @@ public:
     // A click on the icon (or "Show" in its menu), and "Quit" in its menu.
     void activate() { Q_EMIT showRequested(); }
     void chooseQuit() { Q_EMIT quitRequested(); }
+    // A click on the desktop note shown last.
+    void clickMessage() { Q_EMIT messageClicked(); }
 };
 
 class RecordingPlayer final : public client::SoundPlayer

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 
 // Writes `content` to `path`, creating the folders on the way; whether it all went.
 inline bool writeFile(const QString &path, const QByteArray &content = {})
@@ -10,6 +11,12 @@ inline bool writeFile(const QString &path, const QByteArray &content = {})
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+// Copies what `from` holds, folders and all, into `to`; whether it all went.
+inline bool copyFolder(const QString &from, const QString &to)
+{
+    return QDir().mkpath(to) && QProcess::execute("cp", {"-R", from + "/.", to}) == 0;
 }
 
 // A shell script at `path` with `body` as its commands, executable.

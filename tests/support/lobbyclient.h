@@ -17,26 +17,29 @@
 #include <QTemporaryDir>
 #include <QTreeView>
 
-// A lobby server on free ports that creates accounts on first login, its database in `home`,
-// with `more` options.
+// A lobby server on free ports that creates accounts on first login (as many as the test's
+// clients need, all from loopback), its database in `home`, with `more` options.
 inline bool startOpenLobby(ServerProcess &server, const QTemporaryDir &home,
                            const QStringList &more = {})
 {
     return server.start(kLobbyServer,
                         QStringList{"--listen", "127.0.0.1", "--port", "0", "--http-port", "0",
-                                    "--registration", "open", "--hash-cost", "minimal", "--db",
+                                    "--registration", "open", "--registration-per-hour", "100000",
+                                    "--hash-cost", "minimal", "--db",
                                     home.filePath(QStringLiteral("lobby.sqlite"))} +
                             more);
 }
 
-// One client logging in automatically as `name`, with its sounds on.
+// One client logging in automatically as `name`, with its sounds on; with `earlierData`, on a
+// copy of that data folder (AppHarness).
 struct LobbyClient : AppHarness
 {
     // Its avatars come from the server's own pages.
-    LobbyClient(const QString &name, const ServerProcess &server)
+    LobbyClient(const QString &name, const ServerProcess &server, const QString &earlierData = {})
         : AppHarness({.lobby = {QStringLiteral("127.0.0.1"), server.port()},
                       .web = {},
-                      .avatars = QStringLiteral("http://127.0.0.1:%1").arg(server.webPort())}),
+                      .avatars = QStringLiteral("http://127.0.0.1:%1").arg(server.webPort())},
+                     {}, earlierData),
           name(name), gameFolder(writeAutoLogin(dataFolder(), name))
     {
     }
@@ -55,8 +58,7 @@ struct LobbyClient : AppHarness
     // A double-click on the row of `host`'s room in the room list.
     void doubleClickRoom(const QString &host)
     {
-        Q_EMIT app.form().ListView1->doubleClicked(
-            app.rooms().index(app.rooms().findRoomRow(host), 0));
+        Q_EMIT app.form().ListView1->activated(app.rooms().index(app.rooms().findRoomRow(host), 0));
     }
 
     // The status code of a player's entry ("7" in the lobby, "8" a buddy there, "1" away...);

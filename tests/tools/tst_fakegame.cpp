@@ -1,7 +1,8 @@
-#include "statusquery.h"
 #include "support/serverprocess.h"
+#include "support/statusquery.h"
 
 #include <QFile>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -57,6 +58,26 @@ private Q_SLOTS:
         QVERIFY2(reply.endsWith("\\queryid\\1.1") && !reply.contains(lacks), reply.constData());
         QVERIFY(reply.contains("\\hostport\\" + QByteArray::number(game.port()) + "\\"));
         QVERIFY(askStatus(game.port(), {"\\status\\"}).endsWith("\\queryid\\2.1"));
+    }
+
+    // Players who join over TCP count until they leave; with every slot taken, one more is
+    // turned away.
+    void joinedPlayersCountUpToTheSlots()
+    {
+        ServerProcess game;
+        QVERIFY(game.start(kFakeGame, {"-server", "0", "-bind", "127.0.0.1", "-maxplayers", "2",
+                                       "-player", "Bob:1:40"}));
+        const auto says = [&](const QByteArray &part) {
+            return askStatus(game.port(), {"\\status\\"}).contains(part);
+        };
+        QTcpSocket first, second;
+        first.connectToHost(QHostAddress::LocalHost, game.port());
+        QTRY_VERIFY(says("\\numplayers\\2\\") && says("\\player_1\\Player 1\\"));
+        second.connectToHost(QHostAddress::LocalHost, game.port());
+        QTRY_COMPARE(second.state(), QAbstractSocket::UnconnectedState);
+        QVERIFY(says("\\numplayers\\2\\"));
+        first.disconnectFromHost();
+        QTRY_VERIFY(says("\\numplayers\\1\\"));
     }
 
     // After each round the game in its folder writes RSResults<round>.log: a header of seven

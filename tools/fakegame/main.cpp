@@ -1,10 +1,10 @@
 // fakegame: stands in for the game executable, installed as roguespear.exe in a game folder.
 // It opens the game's window ("Rogue Spear", of the X11 class "Rogue Spear"). With
 // "-server PORT" it hosts a game: listens on TCP PORT and answers the UDP status query there
-// with a reply built from its options. With "-client ADDRESS PORT" it joins the game at that
-// address. With "-round SECONDS" it writes a results log into its folder after each round.
-// It ends when its window is closed or on SIGTERM. The command line and what the game says
-// are shared with the Windows build in win/, which also keeps the player's name in the
+// with a reply built from its options and the players who joined it. With "-client ADDRESS PORT" it
+// joins the game at that address. With "-round SECONDS" it writes a results log into its folder
+// after each round. It ends when its window is closed or on SIGTERM. The command line and what the
+// game says are shared with the Windows build in win/, which also keeps the player's name in the
 // registry.
 
 #include "gameoptions.h"
@@ -88,6 +88,7 @@ int main(int argc, char *argv[])
     QTcpServer game;
     StatusResponder responder(info);
     QTcpSocket connection;
+    std::size_t joined = 0;
     const quint16 port = options.port;
     if (options.host) {
         QHostAddress address = QHostAddress::AnyIPv4;
@@ -97,10 +98,24 @@ int main(int argc, char *argv[])
         if (!game.listen(address, port))
             return fail(QStringLiteral("cannot listen on TCP port ") + QString::number(port) +
                         QStringLiteral(": ") + game.errorString());
-        // Joining players stay connected until they leave.
+        // Joining players stay connected until they leave and count in the status reply
+        // meanwhile; one who finds every slot taken is turned away at once.
         QObject::connect(&game, &QTcpServer::newConnection, &app, [&] {
-            while (QTcpSocket *socket = game.nextPendingConnection())
+            while (QTcpSocket *socket = game.nextPendingConnection()) {
                 QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                if (!hasRoom(info, joined)) {
+                    QTextStream(stdout) << "player turned away, the game is full" << Qt::endl;
+                    socket->abort();
+                    continue;
+                }
+                responder.setJoinedPlayers(++joined);
+                QTextStream(stdout)
+                    << "player joined from " << socket->peerAddress().toString() << Qt::endl;
+                QObject::connect(socket, &QTcpSocket::disconnected, &app, [&] {
+                    responder.setJoinedPlayers(--joined);
+                    QTextStream(stdout) << "player left" << Qt::endl;
+                });
+            }
         });
         if (!responder.listen(address, game.serverPort()))
             return fail(QStringLiteral("cannot listen on UDP port ") +

@@ -1,5 +1,6 @@
 #include "serverinfo.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace {
@@ -51,6 +52,18 @@ std::string statusReply(const ServerInfo &info, int queryId)
         add("ping_" + index, std::to_string(player.ping));
     }
     return reply + "\\final\\\\queryid\\" + std::to_string(queryId) + ".1";
+}
+
+ServerInfo withJoinedPlayers(ServerInfo info, std::size_t joined)
+{
+    for (std::size_t i = 1; i <= joined; ++i)
+        info.players.push_back({"Player " + std::to_string(i), 1, 0});
+    return info;
+}
+
+bool hasRoom(const ServerInfo &info, std::size_t joined)
+{
+    return info.players.size() + joined < std::size_t(std::max(info.maxPlayers, 0));
 }
 
 std::optional<ServerInfo::Player> parsePlayer(std::string_view text)

@@ -33,6 +33,15 @@ struct ServerInfo
 // the players with their teams and pings, "final" and the query id.
 std::string statusReply(const ServerInfo &info, int queryId);
 
+// The info with `joined` players who came in over the network listed after those of the command
+// line, as "Player 1", "Player 2"... on team 1: the count the reply gives follows joins and
+// leaves.
+ServerInfo withJoinedPlayers(ServerInfo info, std::size_t joined);
+
+// Whether one more player fits beside those of the command line and the `joined` ones; a game
+// whose slots are all taken turns a joining player away.
+bool hasRoom(const ServerInfo &info, std::size_t joined);
+
 // "NAME:TEAM:PING" (the name may itself hold colons); nullopt when it is not that.
 std::optional<ServerInfo::Player> parsePlayer(std::string_view text);
 

@@ -24,7 +24,8 @@ void StatusResponder::answer()
             return;
         if (!request.data().contains("\\status\\"))
             continue;
-        m_socket.writeDatagram(QByteArray::fromStdString(statusReply(m_info, ++m_queries)),
+        m_socket.writeDatagram(QByteArray::fromStdString(
+                                   statusReply(withJoinedPlayers(m_info, m_joined), ++m_queries)),
                                request.senderAddress(), quint16(request.senderPort()));
     }
 }

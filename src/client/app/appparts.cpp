@@ -14,6 +14,7 @@
 #include "client/game/ingamedetection.h"
 #include "client/game/launchsites.h"
 #include "client/lobby/credentialsfile.h"
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/platform/eventsounds.h"
@@ -40,6 +41,11 @@ AppParts::AppParts(AppServices services_, ServerAddresses servers_, QObject &own
       dispatcher(new LobbyDispatcher(&owner)),
       connection(new LobbyConnection(*dispatcher, LobbyConnection::kConnectTimeout, &owner)),
       rooms(new RoomListModel(&owner)), players(new PlayerListModel(&owner)),
+      ignored(new IgnoreList(
+          dataFolder.isEmpty()
+              ? QString()
+              : QDir(dataFolder).filePath(QString::fromLatin1(IgnoreList::kFileName)),
+          &owner)),
       options(new Options(&owner)), basRegistry(std::make_unique<BasRegistry>(*services.registry)),
       optionsStore(std::make_unique<OptionsStore>(
           *options, dataFolder, DefaultGameFolders::forWinePrefix(services.winePrefix),

@@ -13,13 +13,18 @@ class AutoStart;
 class AvatarLoader;
 class BasRegistry;
 class BuddyNotifier;
+class ConversationArchive;
+class DesktopNotes;
 class EventSounds;
+class FullGameWatch;
 class Form1;
 class GameInfo;
 class GameLauncher;
+class GameRowMenu;
 class GameServerQuery;
 class GameServerScan;
 class GameWindows;
+class IgnoreList;
 class InGameDetection;
 class LaunchSites;
 class LobbyChat;
@@ -67,6 +72,7 @@ struct AppParts
     LobbyConnection *connection;
     RoomListModel *rooms;
     PlayerListModel *players;
+    IgnoreList *ignored;
     Options *options;
     std::unique_ptr<BasRegistry> basRegistry;
     std::unique_ptr<OptionsStore> optionsStore;
@@ -88,7 +94,9 @@ struct AppParts
     GameServerQuery *gameQuery = nullptr;
     SelfUpdate *selfUpdate = nullptr;
     AvatarLoader *avatars = nullptr;
+    ConversationArchive *conversations = nullptr;
     Pager *pager = nullptr;
+    DesktopNotes *notes = nullptr;
     BuddyNotifier *buddyNotifier = nullptr;
     StatsReset *statsReset = nullptr;
     std::unique_ptr<ProcessStarter> ownProcesses;
@@ -99,6 +107,8 @@ struct AppParts
     GameLauncher *launcher = nullptr;
     LaunchSites *launchSites = nullptr;
     InGameDetection *detection = nullptr;
+    FullGameWatch *gameWatch = nullptr;
+    GameRowMenu *gameRowMenu = nullptr;
     std::unique_ptr<KeyState> ownKeyState;
 };
 

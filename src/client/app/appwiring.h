@@ -20,6 +20,8 @@ void wireWindows(AppParts &parts);
 void wireTray(AppParts &parts);
 // The game's launcher and the platform pieces it runs on.
 void wireGame(AppParts &parts);
+// The watch on full games, their row menu and the joins that desktop notes offer.
+void wireGameWatch(AppParts &parts);
 // The login, the reconnect, the in-game detection and the keep-alive.
 void wireLogin(AppParts &parts);
 void wireSelfUpdate(AppParts &parts);

@@ -1,15 +1,14 @@
 #include "client/app/buddynotifier.h"
 
-#include "client/desktop/trayservice.h"
+#include "client/app/desktopnotes.h"
 #include "client/platform/clock.h"
-#include "client/platform/dialogs.h"
 #include "client/settings/options.h"
 
 namespace client {
 
-BuddyNotifier::BuddyNotifier(TrayService &tray, const Options &options, const Clock &clock,
+BuddyNotifier::BuddyNotifier(DesktopNotes &notes, const Options &options, const Clock &clock,
                              QObject *parent)
-    : QObject(parent), m_tray(tray), m_options(options), m_clock(clock)
+    : QObject(parent), m_notes(notes), m_options(options), m_clock(clock)
 {
 }
 
@@ -20,19 +19,15 @@ void BuddyNotifier::loggedIn()
 
 void BuddyNotifier::buddyAnnounced(const QString &name)
 {
-    if (m_loginTime.isValid() && m_loginTime.secsTo(m_clock.now()) >= kLoginQuietSeconds)
-        notify(QStringLiteral("%1 is online").arg(name));
+    if (m_options.buddyNotifications() && m_loginTime.isValid() &&
+        m_loginTime.secsTo(m_clock.now()) >= kLoginQuietSeconds)
+        m_notes.show(QStringLiteral("%1 is online").arg(name));
 }
 
-void BuddyNotifier::buddyStartedGame(const QString &name)
-{
-    notify(QStringLiteral("%1 has started a game").arg(name));
-}
-
-void BuddyNotifier::notify(const QString &text)
+void BuddyNotifier::buddyStartedGame(const QString &name, const QString &address)
 {
     if (m_options.buddyNotifications())
-        m_tray.showMessage(applicationTitle(), text);
+        m_notes.showJoinOffer(QStringLiteral("%1 has started a game").arg(name), address);
 }
 
 } // namespace client

@@ -79,15 +79,18 @@ Form1::Form1(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindow
     ListView1 = new QTreeView(this);
     ListView1->setObjectName(QStringLiteral("ListView1"));
     ListView1->setRootIsDecorated(false);
+    ListView1->setAccessibleName(tr("Rooms and games"));
     ListView1->setUniformRowHeights(true);
     ListView1->setGeometry(kLeft, kListTop, kLeftWidth, SplitterBar::kStartTop - kListTop);
 
     txtFindPlayer = new QLineEdit(this);
     txtFindPlayer->setObjectName(QStringLiteral("txtFindPlayer"));
     txtFindPlayer->setPlaceholderText(tr("Find a player"));
+    txtFindPlayer->setAccessibleName(txtFindPlayer->placeholderText());
 
     ListView2 = new QTreeView(this);
     ListView2->setObjectName(QStringLiteral("ListView2"));
+    ListView2->setAccessibleName(tr("Players"));
 
     Picture1 = new SplitterBar(this);
     Picture1->setObjectName(QStringLiteral("Picture1"));
@@ -97,9 +100,11 @@ Form1::Form1(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindow
     txtChat = new QTextBrowser(this);
     txtChat->setObjectName(QStringLiteral("txtChat"));
     txtChat->setReadOnly(true);
+    txtChat->setAccessibleName(tr("Lobby chat"));
 
     txtChatSend = new QLineEdit(this);
     txtChatSend->setObjectName(QStringLiteral("txtChatSend"));
+    txtChatSend->setAccessibleName(tr("Chat message"));
 
     Picture3 = makeButton("Picture3", QStringLiteral("send"), tr("Send"),
                           QRect(kLeft + kLeftWidth - 32, kSendTop, 32, kSendHeight));

@@ -5,6 +5,7 @@
 #include "client/app/form1.h"
 #include "client/desktop/x11gamewindowfinder.h"
 #include "client/game/findgameserver.h"
+#include "client/game/fullgamewatch.h"
 #include "client/game/gameinfo.h"
 #include "client/game/gamelauncher.h"
 #include "client/game/gameserverquery.h"
@@ -51,6 +52,7 @@ void wireGame(AppParts &p)
     p.launcher = new GameLauncher(*p.options, *s.processes, *s.dialogs, &p.owner);
     p.launchSites =
         new LaunchSites(*p.launcher, *p.gameWindows, *p.session, *p.connection, *p.rooms, &p.owner);
+    wireGameWatch(p);
 }
 
 void wireLogin(AppParts &p)
@@ -106,6 +108,8 @@ void startGameQuery(AppParts &p)
     p.gameQuery = new GameServerQuery(*p.rooms, *p.gameInfo, *p.services.ticks, &p.owner);
     QObject::connect(p.roomHandlers, &RoomListHandlers::gameRowAdded, p.gameQuery,
                      &GameServerQuery::pingGameServer);
+    QObject::connect(p.gameQuery, &GameServerQuery::gameAnswered, p.gameWatch,
+                     &FullGameWatch::gameAnswered);
     QObject::connect(p.form->picRefreshPings, &QAbstractButton::clicked, p.gameQuery,
                      &GameServerQuery::refreshPings);
 }

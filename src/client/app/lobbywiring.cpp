@@ -2,9 +2,11 @@
 #include "client/app/appwindows.h"
 #include "client/app/appwiring.h"
 #include "client/app/buddynotifier.h"
+#include "client/app/desktopnotes.h"
 #include "client/app/form1.h"
 #include "client/app/traycontroller.h"
 #include "client/pager/avatarloader.h"
+#include "client/pager/conversationarchive.h"
 #include "client/pager/pager.h"
 #include "client/presence/chatarchive.h"
 #include "client/presence/frmmenu.h"
@@ -31,14 +33,15 @@ void wireLobby(AppParts &p)
 {
     QObject *owner = &p.owner;
     p.chat = new LobbyChat(p.form->txtChat, p.form->txtChatSend, p.form->Picture3, *p.connection,
-                           *p.session, *p.services.clock, owner);
+                           *p.session, *p.services.clock, *p.ignored, owner);
     p.chat->registerHandler(*p.dispatcher);
     if (!p.dataFolder.isEmpty())
         (new ChatArchive(QDir(p.dataFolder).filePath(QStringLiteral("chat")), *p.services.clock,
                          owner))
             ->attach(p.chat->log());
 
-    configurePlayerListView(*p.form->ListView2, *new PlayerListFilter(*p.players, owner),
+    configurePlayerListView(*p.form->ListView2,
+                            *new PlayerListFilter(*p.players, *p.ignored, owner),
                             p.form->txtFindPlayer);
     p.playerHandlers = new PlayerListHandlers(*p.players, *p.dispatcher, owner);
 
@@ -60,8 +63,13 @@ void wirePager(AppParts &p)
                                      ? QUrl(QString::fromLatin1(AvatarLoader::kDefaultServer))
                                      : QUrl(p.servers.servers().avatars),
                                  owner);
+    // Each private conversation is kept beside the lobby chat, one folder per partner.
+    p.conversations = new ConversationArchive(
+        p.dataFolder.isEmpty() ? QString() : QDir(p.dataFolder).filePath(QStringLiteral("pm")),
+        *p.services.clock, owner);
     p.pager = new Pager(*p.players, *p.connection, *p.session,
-                        SendRateGuard(*p.session, *p.services.clock), *p.sounds, *p.avatars, owner);
+                        SendRateGuard(*p.session, *p.services.clock), *p.sounds, *p.avatars,
+                        *p.ignored, *p.conversations, owner);
     p.pager->registerHandler(*p.dispatcher);
     QObject::connect(p.playerHandlers, &PlayerListHandlers::playerLeft, p.pager,
                      &Pager::playerLeft);
@@ -75,11 +83,20 @@ void wirePager(AppParts &p)
                          p.windows->frmMenu()->listClicked(button, globalPos);
                      });
 
-    p.buddyNotifier = new BuddyNotifier(*p.services.tray, *p.options, *p.services.clock, owner);
+    p.notes = new DesktopNotes(*p.services.tray, owner);
+    p.buddyNotifier = new BuddyNotifier(*p.notes, *p.options, *p.services.clock, owner);
     QObject::connect(p.playerHandlers, &PlayerListHandlers::buddyAnnounced, p.buddyNotifier,
                      &BuddyNotifier::buddyAnnounced);
-    QObject::connect(p.playerHandlers, &PlayerListHandlers::buddyStartedGame, p.buddyNotifier,
-                     &BuddyNotifier::buddyStartedGame);
+    // The buddy's entry already holds the address of the game he started.
+    PlayerListModel *players = p.players;
+    BuddyNotifier *notifier = p.buddyNotifier;
+    QObject::connect(p.playerHandlers, &PlayerListHandlers::buddyStartedGame, notifier,
+                     [players, notifier](const QString &name) {
+                         const int row = players->findEntry(name);
+                         notifier->buddyStartedGame(
+                             name,
+                             row < 0 ? QString() : players->text(row, PlayerListModel::IpToGame));
+                     });
 }
 
 void wireTray(AppParts &p)

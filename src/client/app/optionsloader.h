@@ -12,12 +12,12 @@ class OptionsLoader
 public:
     explicit OptionsLoader(OptionsStore &store) : m_store(store) {}
 
-    void load()
+    void load(OptionsStore::Tell tell = OptionsStore::Tell::User)
     {
         if (m_loaded)
             return;
         m_loaded = true;
-        m_gameFoldersMissing = !m_store.load();
+        m_gameFoldersMissing = !m_store.load(tell);
     }
     bool gameFoldersMissing() const { return m_gameFoldersMissing; }
 

@@ -4,6 +4,7 @@
 #include "client/app/form1.h"
 #include "client/app/traycontroller.h"
 #include "client/game/gamelauncher.h"
+#include "client/game/gamerowmenu.h"
 #include "client/game/ingamedetection.h"
 #include "client/game/launchsites.h"
 #include "client/rooms/frmmakeroom.h"
@@ -53,7 +54,7 @@ void wireRooms(AppParts &p)
     p.roomState = new RoomState(owner);
     p.roomSession = new RoomSession(
         *p.roomState, *p.rooms, *p.dispatcher, *p.connection, *p.session, *p.services.dialogs,
-        [&p] { return p.savedName(); }, owner);
+        *p.ignored, [&p] { return p.savedName(); }, owner);
     RoomSession *session = p.roomSession;
     QObject::connect(p.roomHandlers, &RoomListHandlers::roomClosing, session,
                      &RoomSession::roomClosing);
@@ -76,9 +77,13 @@ void wireRooms(AppParts &p)
                      &GameLauncher::launchGameClient);
     QObject::connect(session, &RoomSession::gameClientAutoStartRequested, p.launchSites,
                      &LaunchSites::autoJoinGame);
-    QObject::connect(p.form->ListView1, &QAbstractItemView::doubleClicked, session,
-                     [session](const QModelIndex &index) {
-                         if (session->canCreateOrJoin())
+    // A double click or Enter on a row joins it; on a full game the user may rather wait for
+    // room.
+    GameRowMenu *gameRows = p.gameRowMenu;
+    QObject::connect(p.form->ListView1, &QAbstractItemView::activated, session,
+                     [session, gameRows](const QModelIndex &index) {
+                         if (session->canCreateOrJoin() &&
+                             !gameRows->answerDoubleClick(index.row()))
                              session->joinRow(index.row());
                      });
 }

@@ -7,6 +7,8 @@
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"
 
+#include <QLineEdit>
+
 namespace client {
 
 SessionLooks::SessionLooks(Form1 &form, TrayService &tray, SessionState &session, QObject *parent)
@@ -33,6 +35,9 @@ void SessionLooks::apply(bool online)
     m_form.picResetStats->setVisible(online);
     m_form.setWindowIcon(Icons::smallIcon(online ? Icons::WindowOnline : Icons::WindowOffline));
     m_tray.modify(m_form.windowIcon(), trayTip(online, m_session.ownName));
+    // Logged in, the user's next words go to the chat.
+    if (online)
+        m_form.txtChatSend->setFocus();
 }
 
 } // namespace client

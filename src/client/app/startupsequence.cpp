@@ -15,6 +15,7 @@
 #include "client/platform/privatefiles.h"
 #include "client/session/sessionstate.h"
 #include "client/settings/autostart.h"
+#include "client/settings/defaultgamefolders.h"
 #include "client/settings/options.h"
 #include "client/update/selfupdate.h"
 
@@ -62,7 +63,8 @@ bool StartupSequence::run()
     // The tray's tip names the saved user from the start.
     p.session->ownName = p.savedName();
     p.tray->addIcon();
-    p.optionsLoader->load();
+    // Missing game folders are told with the first steps below, in one message.
+    p.optionsLoader->load(OptionsStore::Tell::Quietly);
     p.autoStart->applyRunValue();
     if (p.options->autoLogIn())
         p.login->autoLogin();
@@ -70,11 +72,16 @@ bool StartupSequence::run()
     return true;
 }
 
+QString StartupSequence::offerOptionsText()
+{
+    return DefaultGameFolders::missingMessage() + QStringLiteral(".\n\nOpen the options now?");
+}
+
 void StartupSequence::offerFirstSteps()
 {
     AppParts &p = m_parts;
     if (p.optionsLoader->gameFoldersMissing() &&
-        p.services.dialogs->messageBox(applicationTitle(), QString::fromLatin1(kOfferOptionsText),
+        p.services.dialogs->messageBox(applicationTitle(), offerOptionsText(),
                                        Dialogs::Buttons::YesNo,
                                        Dialogs::Icon::Question) == Dialogs::Answer::Yes)
         showOptions(*p.windows);

@@ -10,14 +10,15 @@ struct AppParts;
 // window, the lobby and web hosts, the update installation when started with "update", the
 // game queries, the session's first values, the tray icon, the settings with the autostart
 // value, the automatic login, and last what a first start lacks: the options when no game
-// folder is known, then the login window when no login is saved.
+// folder is known (one question that says why), then the login window when no login is saved.
 class StartupSequence : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr auto kOfferOptionsText =
-        "No game folder is set yet. Open the options now to choose one?";
+    // What a start without game folders asks: that none was found, and whether to open the
+    // options to choose one, in one message.
+    static QString offerOptionsText();
 
     explicit StartupSequence(AppParts &parts, QObject *parent = nullptr);
 

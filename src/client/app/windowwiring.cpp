@@ -44,8 +44,8 @@ FrmLogIn *makeLogIn(AppParts &p)
 
 FrmMenu *makeMenu(AppParts &p)
 {
-    auto *menu =
-        new FrmMenu(*p.players, *p.form->ListView2, *p.connection, *p.session, *p.services.dialogs);
+    auto *menu = new FrmMenu(*p.players, *p.form->ListView2, *p.connection, *p.session,
+                             *p.services.dialogs, *p.ignored);
     QObject *owner = &p.owner;
     QObject::connect(menu, &FrmMenu::privateMessageRequested, owner,
                      [&p](const QString &name) { openPagerTo(p, name); });

@@ -11,6 +11,7 @@ SystemTrayService::SystemTrayService(QObject *parent)
     connect(m_menu->addAction(tr("Show")), &QAction::triggered, this, &TrayService::showRequested);
     connect(m_menu->addAction(tr("Quit")), &QAction::triggered, this, &TrayService::quitRequested);
     m_icon->setContextMenu(m_menu.get());
+    connect(m_icon, &QSystemTrayIcon::messageClicked, this, &TrayService::messageClicked);
 
     connect(m_icon, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {

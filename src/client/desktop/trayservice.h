@@ -32,6 +32,8 @@ public:
 Q_SIGNALS:
     void showRequested();
     void quitRequested();
+    // The user clicked the desktop notification shown last.
+    void messageClicked();
 };
 
 // The tray icon of the desktop, through QSystemTrayIcon. Desktops with the D-Bus tray (KDE

@@ -123,8 +123,10 @@ void GameServerQuery::readReplies(int slot)
         }
         const qint64 ping = m_ticks.now() - m_slots[slot].sentAt.value_or(m_ticks.now());
         m_gameInfo.addInfo(data, false);
-        fillRow(addressText(datagram.senderAddress()), ping);
+        const QString sender = addressText(datagram.senderAddress());
+        fillRow(sender, ping);
         releaseSocket(slot);
+        Q_EMIT gameAnswered(sender, m_gameInfo.table().isFull());
         return;
     }
 }
@@ -161,6 +163,8 @@ void GameServerQuery::fillRow(const QString &sender, qint64 ping)
     const QString map = table.value(StatusTable::MapName);
     if (map.size() >= 2)
         write(RoomListModel::Map, withoutEnds(map));
+    if (row.isValid())
+        m_rooms.setFull(row.row(), table.isFull());
 }
 
 } // namespace client

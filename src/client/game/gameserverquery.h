@@ -20,9 +20,9 @@ class TickCount;
 // Asks game servers for their status over UDP ("\status\" to the game port) and files the
 // answers. Slot 0 serves the game-info window; slots 1..100 serve room pings in turn, each a
 // fresh socket whose send time gives the ping. A ping reply fills the running-game row whose
-// address sent it (host, room name, ping, players, map); every reply also replaces what
-// `GameInfo` holds. Only replies that carry "queryid" count, and on slot 0 only the one from
-// the game port of the server asked last: a datagram from anyone else opens no window.
+// address sent it (host, room name, ping, players, map, whether it is full); every reply also
+// replaces what `GameInfo` holds. Only replies that carry "queryid" count, and on slot 0 only the
+// one from the game port of the server asked last: a datagram from anyone else opens no window.
 class GameServerQuery : public QObject
 {
     Q_OBJECT
@@ -52,6 +52,10 @@ public Q_SLOTS:
     void pingGameServer(const QString &address);
     // "Refresh pings": pings every running-game row of the room list, in list order.
     void refreshPings();
+
+Q_SIGNALS:
+    // A ping's reply came from the game server at `address` (dotted IPv4) and was filed.
+    void gameAnswered(const QString &address, bool full);
 
 private:
     struct Slot

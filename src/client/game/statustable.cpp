@@ -69,6 +69,14 @@ QString StatusTable::cell(int column, int row) const
     }
 }
 
+int StatusTable::slotCount() const
+{
+    const double slots = leadingNumber(withoutBackslashes(m_values[MaxPlayers]));
+    return slots < 1                                  ? 0
+           : slots >= std::numeric_limits<int>::max() ? std::numeric_limits<int>::max()
+                                                      : int(slots);
+}
+
 void StatusTable::parse(const QString &data)
 {
     m_values[Player0].clear();

@@ -60,6 +60,10 @@ public:
     // "numplayers" read as a number and truncated; not capped, unlike players().
     int playerCount() const { return m_playerCount; }
     const QList<Player> &players() const { return m_players; }
+    // "maxplayers" read as a number and truncated; 0 when the reply named none.
+    int slotCount() const;
+    // Every slot taken, by the last reply's count.
+    bool isFull() const { return slotCount() > 0 && m_playerCount >= slotCount(); }
     // Whether the last reply named a time limit at all.
     bool hasTimeLimit() const { return m_hasTimeLimit; }
 

@@ -21,14 +21,15 @@ FrmLogIn::FrmLogIn(QString credentialsPath, const HostPort &lobby, QWidget *pare
     // Closing unloads it, so the next use reads user.txt again.
     setAttribute(Qt::WA_DeleteOnClose);
 
-    Label1 = addLabel("Label1", QStringLiteral("User name"), {12, 40, 80, 22});
     txtName = addControl<QLineEdit>("txtName", {96, 40, 150, 24});
-    Label2 = addLabel("Label2", QStringLiteral("Password"), {12, 72, 80, 22});
+    Label1 = addFieldLabel("Label1", QStringLiteral("User name"), {12, 40, 80, 22}, txtName);
     txtPassword = addControl<QLineEdit>("txtPassword", {96, 72, 150, 24});
+    Label2 = addFieldLabel("Label2", QStringLiteral("Password"), {12, 72, 80, 22}, txtPassword);
     txtPassword->setEchoMode(QLineEdit::Password);
 
-    lblLobbyServer = addLabel("lblLobbyServer", QStringLiteral("Lobby server"), {12, 104, 80, 22});
     txtLobbyServer = addControl<QLineEdit>("txtLobbyServer", {96, 104, 150, 24});
+    lblLobbyServer = addFieldLabel("lblLobbyServer", QStringLiteral("Lobby server"),
+                                   {12, 104, 80, 22}, txtLobbyServer);
     txtLobbyServer->setText(lobby.toString());
 
     Picture3 = addControl<PictureButton>("Picture3", {214, 136, 32, 30});
@@ -62,15 +63,6 @@ void FrmLogIn::loginClicked()
     }
     CredentialsFile::write(m_credentialsPath, credentials());
     Q_EMIT loginRequested(*lobby);
-}
-
-void FrmLogIn::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape) {
-        closeClicked();
-        return;
-    }
-    BorderlessWindow::keyPressEvent(event);
 }
 
 Credentials FrmLogIn::credentials() const

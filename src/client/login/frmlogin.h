@@ -43,8 +43,6 @@ Q_SIGNALS:
     void loginRequested(const client::HostPort &lobby);
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
-
 private:
     void loginClicked();
 

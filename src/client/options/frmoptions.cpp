@@ -42,14 +42,16 @@ FrmOptions::FrmOptions(Options &options, OptionsStore &store, Dialogs &dialogs, 
         QStringLiteral("Ingame reset key"), 112);
 
     txtHotKey = addControl<HotKeyEdit>("txtHotKey", {32, 138, 60, 24});
+    txtHotKey->setAccessibleName(QStringLiteral("Reset key"));
 
-    lblPathToRoguespear = addLabel("lblPathToRoguespear", QStringLiteral("Path to: roguespear.exe"),
-                                   {10, 172, 290, 20});
     txtPathRS = addFolderField("txtPathRS", 192);
+    lblPathToRoguespear =
+        addFieldLabel("lblPathToRoguespear", QStringLiteral("Path to: roguespear.exe"),
+                      {10, 172, 290, 20}, txtPathRS);
     picDeletePathRS = addDeleteButton("picDeletePathRS", 192);
-    lblPathToR6BO =
-        addLabel("lblPathToR6BO", QStringLiteral("Path to: R6BO.exe"), {10, 226, 290, 20});
     txtPathBlackOps = addFolderField("txtPathBlackOps", 246);
+    lblPathToR6BO = addFieldLabel("lblPathToR6BO", QStringLiteral("Path to: R6BO.exe"),
+                                  {10, 226, 290, 20}, txtPathBlackOps);
     picDeletePathBO = addDeleteButton("picDeletePathBO", 246);
     chkBuddyNotify =
         addCheckBox("chkBuddyNotify", QStringLiteral("Tell me when a buddy comes online"),
@@ -155,15 +157,6 @@ void FrmOptions::clearGameFolder(Game game)
         m_options.setPathRS(QString());
     else
         m_options.setPathBlackOps(QString());
-}
-
-void FrmOptions::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape) {
-        closeClicked();
-        return;
-    }
-    BorderlessWindow::keyPressEvent(event);
 }
 
 void FrmOptions::closeClicked()

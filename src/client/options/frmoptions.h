@@ -58,7 +58,6 @@ protected:
     // Saves the settings, then hides the window.
     void closeClicked() override;
     // Escape closes the window as `picClose` does.
-    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QCheckBox *addCheckBox(const char *name, const QString &caption, const QString &toolTip,

@@ -37,12 +37,10 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void showConversation();
     void showAvatar();
-    void send();
 
     Pager &m_pager;
     const SessionState &m_session;

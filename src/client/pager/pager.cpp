@@ -1,8 +1,10 @@
 #include "client/pager/pager.h"
 
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/pager/avatarloader.h"
+#include "client/pager/conversationarchive.h"
 #include "client/platform/eventsounds.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/session/sessionstate.h"
@@ -29,12 +31,19 @@ std::optional<QString> stateSuffix(const QString &code)
     return std::nullopt;
 }
 
+QString historyLine(const QString &name, const QString &msg)
+{
+    return name + QStringLiteral(":  ") + msg + QStringLiteral("\r\n");
+}
+
 } // namespace
 
 Pager::Pager(PlayerListModel &players, LobbyConnection &connection, SessionState &session,
-             SendRateGuard guard, EventSounds &sounds, AvatarLoader &avatars, QObject *parent)
+             SendRateGuard guard, EventSounds &sounds, AvatarLoader &avatars,
+             const IgnoreList &ignored, ConversationArchive &archive, QObject *parent)
     : QObject(parent), m_players(players), m_connection(connection), m_session(session),
-      m_guard(guard), m_sounds(sounds), m_avatarLoader(avatars)
+      m_guard(guard), m_sounds(sounds), m_avatarLoader(avatars), m_ignored(ignored),
+      m_archive(archive)
 {
     connect(&avatars, &AvatarLoader::loaded, this, [this](qint64 index, const QImage &picture) {
         m_avatars.insert(index, picture);
@@ -75,15 +84,28 @@ void Pager::SendMessagee(const QString &namn)
         m_players.setText(row, PlayerListModel::PictureLoaded, kYes);
         m_avatarLoader.load(index, m_players.text(row, PlayerListModel::EpostHash));
     }
-    if (!m_histories.contains(index))
-        m_histories.insert(index, QString());
+    touch(index, namn);
     m_current = index;
     m_displaying = true;
     Q_EMIT displayChanged();
 }
 
+void Pager::touch(qint64 index, const QString &namn)
+{
+    if (m_histories.contains(index))
+        return;
+    m_histories.insert(index, QString());
+    QString earlier;
+    for (const ChatLine &line : m_archive.earlierLines(namn))
+        earlier += historyLine(line.name, line.text);
+    if (!earlier.isEmpty())
+        m_earlier.insert(index, earlier);
+}
+
 void Pager::onMessage(const protocol::PrivateMessageToClient &message)
 {
+    if (message.echo != true && m_ignored.contains(message.partner))
+        return;
     if (message.echo == false && !m_shown)
         m_sounds.play(EventSounds::Event::PrivateMessage);
     addMessage(message.partner, message.text, message.echo);
@@ -96,8 +118,11 @@ void Pager::addMessage(const QString &namn, const QString &msg, std::optional<bo
         return;
     const QString shownName = echo == true ? m_session.ownName : namn;
     const qint64 index = indexOf(row);
-    const QString line = shownName + QStringLiteral(":  ") + msg + QStringLiteral("\r\n");
+    touch(index, namn);
+    const QString line = historyLine(shownName, msg);
     m_histories[index] += line;
+    if (!m_ignored.contains(namn))
+        m_archive.keep(namn, shownName, msg);
     Q_EMIT historyAppended(index, line);
     const bool onDisplay = m_displaying && index == m_current;
     if (!onDisplay && echo == false && m_players.text(row, PlayerListModel::Message) == kNo) {
@@ -106,13 +131,9 @@ void Pager::addMessage(const QString &namn, const QString &msg, std::optional<bo
     }
 }
 
-bool Pager::send(const QString &text)
+void Pager::sendLine(const QString &line)
 {
-    const QString trimmed = trimBlanks(text).toString();
-    if (trimmed.isEmpty() || !m_guard.tryPass())
-        return false;
-    m_connection.send(protocol::PrivateMessageToServer{m_partnerName, trimmed});
-    return true;
+    m_connection.send(protocol::PrivateMessageToServer{m_partnerName, line});
 }
 
 void Pager::playerLeft(qint64 index)

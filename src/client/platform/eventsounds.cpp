@@ -19,6 +19,8 @@ QString EventSounds::relativePath(Event event)
     case Event::LoggedOut:
         return QStringLiteral("\\data\\sound\\English\\hmh_int1.wav");
     case Event::PrivateMessage:
+    // The horn calls the user back for a free slot too.
+    case Event::GameHasRoom:
         return QStringLiteral("\\data\\sound\\A_CRHRN1.WAV");
     case Event::StatsReset:
         return QStringLiteral("\\data\\sound\\English\\ref_clr1.wav");

@@ -7,7 +7,7 @@ namespace client {
 
 class SoundPlayer;
 
-// The five event sounds, taken from the Rogue Spear folder. They play only while "Play
+// The event sounds, taken from the Rogue Spear folder. They play only while "Play
 // sounds" is ticked, except the statistics-reset sound, which plays regardless. A missing
 // file, or no game folder, is silence.
 class EventSounds : public QObject
@@ -15,7 +15,14 @@ class EventSounds : public QObject
     Q_OBJECT
 
 public:
-    enum class Event { Connecting, ConnectionDropped, LoggedOut, PrivateMessage, StatsReset };
+    enum class Event {
+        Connecting,
+        ConnectionDropped,
+        LoggedOut,
+        PrivateMessage,
+        StatsReset,
+        GameHasRoom // a watched full game has a slot free
+    };
 
     // Silent, with no game folder, until the settings are pushed in.
     explicit EventSounds(SoundPlayer &player, QObject *parent = nullptr);

@@ -102,7 +102,7 @@ void ChatArchive::attach(ChatLog &log)
 {
     for (const ChatLine &line : newestLines(m_limits.restoredLines))
         log.append(line);
-    connect(&log, &ChatLog::lineAppended, this, &ChatArchive::queue);
+    connect(&log, &ChatLog::lineAppended, this, &ChatArchive::keep);
 }
 
 QList<ChatLine> ChatArchive::newestLines(int count) const
@@ -130,7 +130,7 @@ QString ChatArchive::dayFile(const QDate &day) const
     return QDir(m_folder).filePath(day.toString(Qt::ISODate) + QStringLiteral(".txt"));
 }
 
-void ChatArchive::queue(const ChatLine &line)
+void ChatArchive::keep(const ChatLine &line)
 {
     m_pending.append(line);
     if (m_flushQueued)

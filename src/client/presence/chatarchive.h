@@ -11,11 +11,11 @@ namespace client {
 
 class Clock;
 
-// The lobby chat kept on disk, so that the last lines are there again after a restart: one
-// UTF-8 file a day, "YYYY-MM-DD.txt" in its folder, one line per chat line (time, colour,
-// sender and text, tab-separated, with tabs, line breaks and backslashes escaped). Lines are
-// written together once per turn of the event loop. A day's file stops growing at
-// `maxDayBytes`, and the oldest days go when the folder holds more than `maxTotalBytes`.
+// A chat kept on disk (the lobby chat, a private conversation), so that the last lines are
+// there again after a restart: one UTF-8 file a day, "YYYY-MM-DD.txt" in its folder, one line per
+// chat line (time, colour, sender and text, tab-separated, with tabs, line breaks and backslashes
+// escaped). Lines are written together once per turn of the event loop. A day's file stops growing
+// at `maxDayBytes`, and the oldest days go when the folder holds more than `maxTotalBytes`.
 class ChatArchive : public QObject
 {
     Q_OBJECT
@@ -40,9 +40,10 @@ public:
 
     // The newest `count` lines kept, oldest first.
     QList<ChatLine> newestLines(int count) const;
+    // Keeps `line`, for an archive fed without a chat log.
+    void keep(const ChatLine &line);
 
 private:
-    void queue(const ChatLine &line);
     void flush();
     void removeOldestDays();
     QString dayFile(const QDate &day) const;

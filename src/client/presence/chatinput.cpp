@@ -27,19 +27,31 @@ QString ChatInput::uncarriedToolTip(const QString &characters)
     return QStringLiteral("These characters will arrive as \"?\": %1").arg(characters);
 }
 
-ChatInput::ChatInput(QLineEdit *txtChatSend, QAbstractButton *sendButton,
-                     LobbyConnection &connection, SendRateGuard guard, QObject *parent)
-    : QObject(parent), m_input(txtChatSend), m_sendButton(sendButton), m_connection(connection),
-      m_guard(guard), m_waitTimer(new QTimer(this)), m_sendToolTip(sendButton->toolTip())
+ChatInput::ChatInput(QLineEdit *input, QAbstractButton *sendButton, SendRateGuard guard,
+                     Sender sender, Hint hint, QObject *parent)
+    : QObject(parent), m_input(input), m_sendButton(sendButton), m_guard(guard),
+      m_sender(std::move(sender)), m_waitTimer(new QTimer(this)),
+      m_sendToolTip(sendButton->toolTip()), m_hintShown(hint == Hint::Shown)
 {
-    txtChatSend->setText(hintText());
-    txtChatSend->setToolTip(toolTipText());
-    sendButton->setEnabled(false);
-    txtChatSend->installEventFilter(this);
+    input->setToolTip(toolTipText());
+    if (m_hintShown) {
+        input->setText(hintText());
+        sendButton->setEnabled(false);
+    }
+    input->installEventFilter(this);
     connect(sendButton, &QAbstractButton::clicked, this, &ChatInput::send);
-    connect(txtChatSend, &QLineEdit::textChanged, this, &ChatInput::markUncarried);
+    connect(input, &QLineEdit::textChanged, this, &ChatInput::markUncarried);
     m_waitTimer->setInterval(kWaitPollMs);
     connect(m_waitTimer, &QTimer::timeout, this, &ChatInput::showWait);
+}
+
+ChatInput *ChatInput::forLobby(QLineEdit *txtChatSend, QAbstractButton *sendButton,
+                               LobbyConnection &connection, SendRateGuard guard, QObject *parent)
+{
+    return new ChatInput(
+        txtChatSend, sendButton, guard,
+        [&connection](const QString &line) { connection.send(protocol::ChatLineToServer{line}); },
+        Hint::Shown, parent);
 }
 
 void ChatInput::send()
@@ -56,8 +68,8 @@ void ChatInput::send()
     }
     if (m_waitTimer->isActive())
         endWait();
-    m_connection.send(protocol::ChatLineToServer{line});
     m_input->clear();
+    m_sender(line);
 }
 
 void ChatInput::endWait()

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <functional>
 
 class QAbstractButton;
 class QLineEdit;
@@ -13,12 +14,14 @@ namespace client {
 
 class LobbyConnection;
 
-// The chat input `txtChatSend` and its send button `Picture3`. The box starts with a hint and
-// the button disabled; the first focus on the box removes the hint and enables the button, once.
-// Enter in the box or the button sends the line, trimmed of spaces, as "MD" — unless it is
-// blank or the shared send-rate guard refuses it, in which case the line stays in the box and
-// the button shows the seconds left to wait, disabled, until the guard would let it pass. An
-// accepted line is cleared from the box even when it could not be sent (not connected).
+// A chat input box and its send button: the lobby chat's `txtChatSend` and `Picture3`, the
+// pager's `txtSkicka` and `Picture3`. With a hint, the box starts with it and the button
+// disabled; the first focus on the box removes the hint and enables the button, once.
+// Enter in the box or the button hands the line, trimmed of spaces, to the sender (the lobby
+// chat's sends it as "MD") — unless it is blank or the shared send-rate guard refuses it, in
+// which case the line stays in the box and the button shows the seconds left to wait,
+// disabled, until the guard would let it pass. An accepted line is cleared from the box even
+// when it could not be sent (not connected).
 //
 // Characters that code page 1252 cannot carry are marked while typed: the box is tinted and
 // its tool tip names them, as they will arrive as "?".
@@ -33,8 +36,15 @@ public:
     static QString uncarriedToolTip(const QString &characters);
     static constexpr int kWaitPollMs = 250;
 
-    ChatInput(QLineEdit *txtChatSend, QAbstractButton *sendButton, LobbyConnection &connection,
-              SendRateGuard guard, QObject *parent = nullptr);
+    // Sends an accepted line.
+    using Sender = std::function<void(const QString &line)>;
+    enum class Hint { Shown, None };
+
+    ChatInput(QLineEdit *input, QAbstractButton *sendButton, SendRateGuard guard, Sender sender,
+              Hint hint, QObject *parent = nullptr);
+    // The lobby chat's: with the hint, lines sent as "MD".
+    static ChatInput *forLobby(QLineEdit *txtChatSend, QAbstractButton *sendButton,
+                               LobbyConnection &connection, SendRateGuard guard, QObject *parent);
 
     void send();
 
@@ -48,11 +58,11 @@ private:
 
     QPointer<QLineEdit> m_input;
     QPointer<QAbstractButton> m_sendButton;
-    LobbyConnection &m_connection;
     SendRateGuard m_guard;
+    Sender m_sender;
     QTimer *m_waitTimer;
     QString m_sendToolTip;
-    bool m_hintShown = true;
+    bool m_hintShown;
 };
 
 } // namespace client

@@ -1,6 +1,8 @@
 #include "client/presence/frmmenu.h"
 
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
+#include "client/lobby/playername.h"
 #include "client/platform/dialogs.h"
 #include "client/presence/playerlistmodel.h"
 #include "client/session/sessionstate.h"
@@ -32,12 +34,13 @@ QString buddyCode(const QString &code, bool buddy)
 
 FrmMenu::FrmMenu(PlayerListModel &players, QAbstractItemView &ListView2,
                  LobbyConnection &connection, const SessionState &session, Dialogs &dialogs,
-                 QWidget *parent)
+                 IgnoreList &ignored, QWidget *parent)
     : QWidget(parent), m_players(players), m_view(ListView2), m_connection(connection),
-      m_session(session), m_dialogs(dialogs)
+      m_session(session), m_dialogs(dialogs), m_ignored(ignored)
 {
     setObjectName(QStringLiteral("frmMenu"));
     mnuChatPopup = new QMenu(QStringLiteral("ChatList"), this);
+    mnuChatPopup->setAccessibleName(QStringLiteral("Player"));
     mnuChatPopup->setObjectName(QStringLiteral("mnuChatPopup"));
     const auto addEntry = [this](const char *name, const QString &caption) {
         QAction *action = mnuChatPopup->addAction(caption);
@@ -49,6 +52,8 @@ FrmMenu::FrmMenu(PlayerListModel &players, QAbstractItemView &ListView2,
     mnuGameInfo = addEntry("mnuGameInfo", QStringLiteral("Game Info"));
     mnuJoinGame = addEntry("mnuJoinGame", QStringLiteral("Join Game"));
     mnuAddBuddie = addEntry("mnuAddBuddie", QStringLiteral("Add buddie"));
+    mnuIgnore = addEntry("mnuIgnore", QStringLiteral("Ignore"));
+    mnuStopIgnoring = addEntry("mnuStopIgnoring", QStringLiteral("Stop ignoring"));
 
     // Each entry reads the selected entry when it runs: messages may have changed or removed it
     // since the menu popped up.
@@ -72,6 +77,15 @@ FrmMenu::FrmMenu(PlayerListModel &players, QAbstractItemView &ListView2,
         Q_EMIT joinGameRequested(m_players.text(row, PlayerListModel::IpToGame));
     });
     connect(mnuAddBuddie, &QAction::triggered, this, &FrmMenu::changeBuddy);
+    const auto ignoring = [this](bool ignore) {
+        return [this, ignore](int row) {
+            const QString name = m_players.text(row, PlayerListModel::Name);
+            if (nameKey(name) != nameKey(m_session.ownName))
+                m_ignored.setIgnored(name, ignore);
+        };
+    };
+    onSelected(mnuIgnore, ignoring(true));
+    onSelected(mnuStopIgnoring, ignoring(false));
 }
 
 int FrmMenu::selectedPlayer() const
@@ -111,6 +125,9 @@ void FrmMenu::listClicked(Qt::MouseButton button, QPoint globalPos)
     const bool inGame = (code == QLatin1String("4") || code == QLatin1String("5")) &&
                         !m_players.text(row, PlayerListModel::IpToGame).isEmpty();
     mnuGameInfo->setEnabled(inGame);
+    const bool ignored = m_ignored.contains(name);
+    mnuIgnore->setVisible(!ignored);
+    mnuStopIgnoring->setVisible(ignored);
     mnuJoinGame->setEnabled(inGame);
     mnuChatPopup->popup(globalPos);
 }

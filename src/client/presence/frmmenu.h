@@ -9,6 +9,7 @@ class QMenu;
 namespace client {
 
 class Dialogs;
+class IgnoreList;
 class LobbyConnection;
 class PlayerListModel;
 class SessionState;
@@ -17,14 +18,17 @@ class SessionState;
 // `mnuChatPopup` of the player list. A left click on another player opens the conversation
 // with him; a right click pops up the menu. Every entry acts on the entry selected in the list
 // at the moment it is chosen. Adding or removing a buddy is done here ("BA", "BR", the entry's
-// buddy flag, bold and code); the other entries ask for their action through the signals.
+// buddy flag, bold and code), and so is ignoring a player or no longer ignoring him (the ignore
+// list, which nothing on the server knows of); the other entries ask for their action through
+// the signals.
 class FrmMenu : public QWidget
 {
     Q_OBJECT
 
 public:
     FrmMenu(PlayerListModel &players, QAbstractItemView &ListView2, LobbyConnection &connection,
-            const SessionState &session, Dialogs &dialogs, QWidget *parent = nullptr);
+            const SessionState &session, Dialogs &dialogs, IgnoreList &ignored,
+            QWidget *parent = nullptr);
 
     // The mouse button was released over the player list, at `globalPos`.
     void listClicked(Qt::MouseButton button, QPoint globalPos);
@@ -35,6 +39,8 @@ public:
     QAction *mnuGameInfo;
     QAction *mnuJoinGame;
     QAction *mnuAddBuddie;
+    QAction *mnuIgnore;       // shown on a player not ignored
+    QAction *mnuStopIgnoring; // shown on an ignored one
 
 Q_SIGNALS:
     void privateMessageRequested(const QString &name);
@@ -52,6 +58,7 @@ private:
     LobbyConnection &m_connection;
     const SessionState &m_session;
     Dialogs &m_dialogs;
+    IgnoreList &m_ignored;
 };
 
 } // namespace client

@@ -1,5 +1,6 @@
 #include "client/presence/lobbychat.h"
 
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatinput.h"
 #include "client/presence/chatlog.h"
@@ -9,9 +10,11 @@ namespace client {
 
 LobbyChat::LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractButton *Picture3,
                      LobbyConnection &connection, SessionState &session, const Clock &clock,
-                     QObject *parent, ChatBox::LinkOpener opener)
+                     const IgnoreList &ignored, QObject *parent, ChatBox::LinkOpener opener)
     : QObject(parent), m_log(new ChatLog(clock, this)),
-      m_input(new ChatInput(txtChatSend, Picture3, connection, SendRateGuard(session, clock), this))
+      m_input(ChatInput::forLobby(txtChatSend, Picture3, connection, SendRateGuard(session, clock),
+                                  this)),
+      m_ignored(ignored)
 {
     new ChatBox(txtChat, *m_log, std::move(opener), this);
 }
@@ -19,7 +22,8 @@ LobbyChat::LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractBut
 void LobbyChat::registerHandler(LobbyDispatcher &dispatcher)
 {
     dispatcher.on<protocol::ChatLineToClient>([this](const protocol::ChatLineToClient &line) {
-        addChatLine(line.name, line.colour, line.text);
+        if (!m_ignored.contains(line.name))
+            addChatLine(line.name, line.colour, line.text);
     });
 }
 

@@ -14,6 +14,7 @@ namespace client {
 class ChatInput;
 class ChatLog;
 class Clock;
+class IgnoreList;
 class LobbyConnection;
 class LobbyDispatcher;
 class SessionState;
@@ -21,7 +22,7 @@ class SessionState;
 // The lobby chat of the main window. Lines from the server ("MD") and the program's own status
 // lines all go through `addChatLine` into the chat log; the chat box `txtChat` is a view that
 // watches the log. The input `txtChatSend` and the send button `Picture3` send "MD". The
-// widgets belong to the window.
+// widgets belong to the window. Lines of ignored players are dropped as they arrive.
 class LobbyChat : public QObject
 {
     Q_OBJECT
@@ -32,7 +33,8 @@ public:
 
     LobbyChat(QTextBrowser *txtChat, QLineEdit *txtChatSend, QAbstractButton *Picture3,
               LobbyConnection &connection, SessionState &session, const Clock &clock,
-              QObject *parent = nullptr, ChatBox::LinkOpener opener = ChatBox::openWithSystem);
+              const IgnoreList &ignored, QObject *parent = nullptr,
+              ChatBox::LinkOpener opener = ChatBox::openWithSystem);
 
     // Shows incoming "MD" lines.
     void registerHandler(LobbyDispatcher &dispatcher);
@@ -49,6 +51,7 @@ public:
 private:
     ChatLog *m_log;
     ChatInput *m_input;
+    const IgnoreList &m_ignored;
 };
 
 } // namespace client

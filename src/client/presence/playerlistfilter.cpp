@@ -1,13 +1,25 @@
 #include "client/presence/playerlistfilter.h"
 
+#include "client/lobby/ignorelist.h"
+
+#include <QColor>
+
 #include <algorithm>
 #include <utility>
 
 namespace client {
 
-PlayerListFilter::PlayerListFilter(PlayerListModel &players, QObject *parent)
-    : QAbstractProxyModel(parent), m_players(players)
+namespace {
+
+constexpr QRgb kIgnoredColour = 0x909090;
+
+} // namespace
+
+PlayerListFilter::PlayerListFilter(PlayerListModel &players, const IgnoreList &ignored,
+                                   QObject *parent)
+    : QAbstractProxyModel(parent), m_players(players), m_ignored(ignored)
 {
+    connect(&ignored, &IgnoreList::changed, this, &PlayerListFilter::onIgnoredChanged);
     QAbstractProxyModel::setSourceModel(&players);
     connect(&players, &QAbstractItemModel::rowsInserted, this, &PlayerListFilter::onRowsInserted);
     connect(&players, &QAbstractItemModel::rowsAboutToBeRemoved, this,
@@ -27,6 +39,29 @@ PlayerListFilter::PlayerListFilter(PlayerListModel &players, QObject *parent)
     connect(&players, &QAbstractItemModel::headerDataChanged, this,
             &PlayerListFilter::headerDataChanged);
     rebuild();
+}
+
+QString PlayerListFilter::spokenRow(const QModelIndex &index) const
+{
+    const int row = mapToSource(index).row();
+    if (row < 0)
+        return {};
+    const QString name = m_players.text(row, PlayerListModel::Name).trimmed();
+    if (const std::optional<Group> group = groupRowAt(index))
+        return name + (isFolded(*group) ? tr(", folded") : QString());
+    static const QStringList places{tr("in the lobby"), tr("playing"), tr("away")};
+    QStringList parts{name};
+    const std::optional<Group> group =
+        PlayerListModel::groupOfCode(m_players.text(row, PlayerListModel::PlayerStatus));
+    if (group)
+        parts << places.at(int(*group));
+    if (m_players.isBuddy(row))
+        parts << tr("buddy");
+    if (m_players.text(row, PlayerListModel::Message) == QLatin1String("1"))
+        parts << tr("unread message");
+    if (m_ignored.contains(m_players.text(row, PlayerListModel::Name)))
+        parts << tr("ignored");
+    return parts.join(QStringLiteral(", "));
 }
 
 void PlayerListFilter::setNameFilter(const QString &text)
@@ -119,6 +154,16 @@ QModelIndex PlayerListFilter::mapFromSource(const QModelIndex &sourceIndex) cons
 
 QVariant PlayerListFilter::data(const QModelIndex &index, int role) const
 {
+    if (role == Qt::AccessibleTextRole && index.column() == PlayerListModel::Name)
+        return spokenRow(index);
+    if (role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole ||
+        role == Qt::ForegroundRole) {
+        const QModelIndex source = mapToSource(index);
+        if (source.isValid() && !groupRowAt(index) &&
+            m_ignored.contains(m_players.text(source.row(), PlayerListModel::Name)))
+            return role == Qt::ForegroundRole ? QVariant(QColor(kIgnoredColour))
+                                              : QVariant(tr("ignored"));
+    }
     if (role == Qt::ToolTipRole || role == FoldedRole) {
         const std::optional<Group> group = groupRowAt(index);
         if (!group)
@@ -129,6 +174,13 @@ QVariant PlayerListFilter::data(const QModelIndex &index, int role) const
                                 : tr("Click to fold these players away");
     }
     return QAbstractProxyModel::data(index, role);
+}
+
+void PlayerListFilter::onIgnoredChanged()
+{
+    if (!m_shown.empty())
+        Q_EMIT dataChanged(index(0, 0), index(int(m_shown.size()) - 1, columnCount() - 1),
+                           {Qt::ForegroundRole, Qt::ToolTipRole, Qt::AccessibleDescriptionRole});
 }
 
 QVariant PlayerListFilter::headerData(int section, Qt::Orientation orientation, int role) const

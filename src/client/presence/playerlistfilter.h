@@ -8,9 +8,12 @@
 
 namespace client {
 
+class IgnoreList;
+
 // What the player list shows of PlayerListModel: every group row, and the players of the groups
 // that are not folded whose names contain the filter text (case ignored). The group rows keep
 // their texts, so they still count every player of their group. The order is the model's.
+// An ignored player's entry shows in grey, with "ignored" as its tool tip and description.
 //
 // A QSortFilterProxyModel takes every move of the model (a "PS", a buddy change) as a new
 // layout and filters the whole list again, which makes a burst of n status changes cost
@@ -26,7 +29,8 @@ public:
     // On a group row: whether its group is folded. Nothing on a player.
     static constexpr int FoldedRole = Qt::UserRole + 1;
 
-    explicit PlayerListFilter(PlayerListModel &players, QObject *parent = nullptr);
+    PlayerListFilter(PlayerListModel &players, const IgnoreList &ignored,
+                     QObject *parent = nullptr);
 
     QString nameFilter() const { return m_nameFilter; }
     // Part of a name; blanks around it are ignored, and an empty text shows everybody.
@@ -57,6 +61,9 @@ Q_SIGNALS:
     void foldingChanged(Group group, bool folded);
 
 private:
+    // The row as a screen reader says it: "player2, in the lobby, buddy"; a group row as
+    // its title, and whether it is folded.
+    QString spokenRow(const QModelIndex &index) const;
     bool accepts(int sourceRow) const;
     // The first shown row whose source row is `sourceRow` or after it.
     int placeOf(int sourceRow) const;
@@ -78,7 +85,11 @@ private:
                        const QList<int> &roles);
     void onModelReset();
 
+    // The entries the ignore list now marks (or unmarks) are repainted.
+    void onIgnoredChanged();
+
     PlayerListModel &m_players;
+    const IgnoreList &m_ignored;
     QString m_nameFilter;
     std::array<bool, 3> m_folded{};
     std::vector<int> m_shown; // the source rows shown, in order

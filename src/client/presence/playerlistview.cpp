@@ -1,6 +1,7 @@
 #include "client/presence/playerlistview.h"
 
 #include "client/presence/playerlistfilter.h"
+#include "client/ui/showncolumns.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -59,7 +60,8 @@ protected:
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key != Qt::Key_Space && key != Qt::Key_Return && key != Qt::Key_Enter)
             return false;
-        return m_filter.toggleGroupAt(m_view.currentIndex());
+        const auto *shown = static_cast<const QAbstractProxyModel *>(m_view.model());
+        return m_filter.toggleGroupAt(shown->mapToSource(m_view.currentIndex()));
     }
 
 private:
@@ -71,9 +73,9 @@ private:
 
 void configurePlayerListView(QTreeView &view, PlayerListFilter &filter, QLineEdit *findBox)
 {
-    view.setModel(&filter);
-    for (int column = PlayerListModel::Name + 1; column < PlayerListModel::ColumnCount; ++column)
-        view.setColumnHidden(column, true);
+    // Only the name column is shown, to the eye and to screen readers alike.
+    auto *shown = new ShownColumns(filter, {PlayerListModel::Name}, &view);
+    view.setModel(shown);
     view.setRootIsDecorated(false);
     view.setItemsExpandable(false);
     view.setIndentation(0);
@@ -82,13 +84,16 @@ void configurePlayerListView(QTreeView &view, PlayerListFilter &filter, QLineEdi
     view.setSelectionMode(QAbstractItemView::SingleSelection);
     view.setSelectionBehavior(QAbstractItemView::SelectRows);
     view.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view.setTabKeyNavigation(false); // Tab goes on to the next control; arrows move in the list
     view.setAllColumnsShowFocus(true);
     view.setItemDelegateForColumn(PlayerListModel::Name, new PlayerListDelegate(&view));
     view.header()->setStretchLastSection(true);
     view.header()->setSectionsMovable(false);
     view.header()->setSectionsClickable(false);
     QObject::connect(&view, &QAbstractItemView::clicked, &filter,
-                     [&filter](const QModelIndex &index) { filter.toggleGroupAt(index); });
+                     [&filter, shown](const QModelIndex &index) {
+                         filter.toggleGroupAt(shown->mapToSource(index));
+                     });
     new FoldKeys(view, filter); // owned by the view
     if (findBox) {
         findBox->setClearButtonEnabled(true);

@@ -15,8 +15,8 @@ FrmMakeRoom::FrmMakeRoom(QWidget *parent)
                        parent)
 {
     titleLabel()->setText(QStringLiteral("Make Room"));
-    addLabel("Label2", QStringLiteral("Room name"), {14, 42, 200, 18});
     Text1 = addControl<QLineEdit>("Text1", {14, 62, 232, 26});
+    addFieldLabel("Label2", QStringLiteral("Room name"), {14, 42, 200, 18}, Text1);
     Text1->setMaxLength(kMaxNameLength);
     Text1->setFocus(); // typing goes to the name as soon as the dialog shows
     Picture3 = addControl<QPushButton>("Picture3", {146, 100, 100, 28});

@@ -4,6 +4,7 @@
 #include "client/rooms/roomstate.h"
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"
+#include "client/ui/showncolumns.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -28,13 +29,15 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
                         .title = QStringLiteral("Room"),
                         .size = kSize,
                         .titleLabelName = "Label1",
-                        .closeButtonName = "Picture3"},
+                        .closeButtonName = "Picture3",
+                        .escapeCloses = false}, // leaving a room takes the button
                        parent),
       m_room(room), m_session(session)
 {
     setAttribute(Qt::WA_DeleteOnClose, false);
     Label1 = titleLabel();
     Label1->setGeometry(10, 6, kSize.width() - 80, 20);
+    closeButton()->setToolTip(tr("Leave the room"));
 
     Picture5 = addControl<PictureButton>("Picture5", {kSize.width() - 54, 4, 22, 22});
     Picture5->setPicture(Icons::button(QStringLiteral("hide")));
@@ -43,21 +46,22 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
     lblStatus = addLabel("lblStatus", {}, {10, 38, 180, 18});
 
     lstRoom = addControl<QTreeView>("lstRoom", {10, 60, 180, 236});
-    lstRoom->setModel(&room.members());
+    lstRoom->setModel(new ShownColumns(room.members(), {0}, this));
     lstRoom->setRootIsDecorated(false);
     lstRoom->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lstRoom->setSelectionMode(QAbstractItemView::SingleSelection);
     lstRoom->setIconSize({16, 16});
-    for (int column = 1; column < room.members().columnCount(); ++column)
-        lstRoom->setColumnHidden(column, true);
+    lstRoom->setAccessibleName(tr("Players in the room"));
     lstRoom->viewport()->installEventFilter(this);
 
     Picture4 = addButton("Picture4", {}, {10, 302, 180, 28});
 
     txtRoomChat = addControl<QPlainTextEdit>("txtRoomChat", {200, 60, 385, 270});
     txtRoomChat->setReadOnly(true);
+    txtRoomChat->setAccessibleName(tr("Room chat"));
     txtRoomChat->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtRoomChatSend = addControl<QLineEdit>("txtRoomChatSend", {200, 336, 349, 26});
+    txtRoomChatSend->setAccessibleName(tr("Room chat message"));
     txtRoomChatSend->setMaxLength(75);
     Picture2 = addControl<PictureButton>("Picture2", {553, 336, 32, 26});
     Picture2->setPicture(Icons::button(QStringLiteral("send")));
@@ -68,6 +72,7 @@ FrmRoom::FrmRoom(RoomState &room, RoomSession &session, QWidget *parent)
     txtPassword = addControl<QLineEdit>("txtPassword", {10, 336, 180, 26});
     txtPassword->setMaxLength(20);
     txtPassword->setToolTip(QStringLiteral("Lock password"));
+    txtPassword->setAccessibleName(txtPassword->toolTip());
     txtPassword->setText(kPlaceholderPassword);
 
     picStartGame = addButton("picStartGame", tr("Start game"), {335, 370, 120, 28});
@@ -100,13 +105,15 @@ QPushButton *FrmRoom::addButton(const char *name, const QString &text, QRect geo
 {
     auto *button = addControl<QPushButton>(name, geometry);
     button->setText(text);
-    button->setFocusPolicy(Qt::NoFocus);
+    // Reached by Tab; a click leaves the keyboard in the room chat.
+    button->setFocusPolicy(Qt::TabFocus);
     return button;
 }
 
 void FrmRoom::showState()
 {
     Label1->setText(m_room.caption);
+    setWindowTitle(m_room.caption.isEmpty() ? QStringLiteral("Room") : m_room.caption);
     lblStatus->setText(m_room.status);
     chkLock->setVisible(m_room.hostControls);
     txtPassword->setVisible(m_room.hostControls);
@@ -138,12 +145,18 @@ bool FrmRoom::eventFilter(QObject *watched, QEvent *event)
     if (watched == lstRoom->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const QModelIndex current = lstRoom->currentIndex();
         if (current.isValid()) {
-            const QString name = m_room.members().item(current.row())->text();
+            const QString name = current.siblingAtColumn(0).data().toString();
             if (name != m_session.ownName())
                 Q_EMIT privateMessageRequested(name);
         }
     }
     return BorderlessWindow::eventFilter(watched, event);
+}
+
+void FrmRoom::showEvent(QShowEvent *event)
+{
+    BorderlessWindow::showEvent(event);
+    txtRoomChatSend->setFocus();
 }
 
 } // namespace client

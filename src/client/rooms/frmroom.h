@@ -51,6 +51,7 @@ protected:
     // `Picture3`, the close button, leaves the room.
     void closeClicked() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void showEvent(QShowEvent *event) override; // the room chat takes the keyboard
 
 private:
     void showState();

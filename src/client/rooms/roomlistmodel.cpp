@@ -68,6 +68,29 @@ int RoomListModel::appendRow(const QStringList &columns, const QString &tag, Ico
     return placed.row();
 }
 
+QVariant RoomListModel::data(const QModelIndex &index, int role) const
+{
+    if (role != Qt::AccessibleTextRole || index.column() != Host)
+        return QStandardItemModel::data(index, role);
+    const int row = index.row();
+    const auto cell = [&](Column column) { return text(row, column).trimmed(); };
+    QStringList parts{cell(RoomName)};
+    const QString players = cell(Players);
+    const QString count = players == QLatin1String("1") ? QStringLiteral("1 player")
+                                                        : players + QStringLiteral(" players");
+    if (icon(row) == RunningGame) {
+        parts << QStringLiteral("game at ") + tag(row) << count
+              << QStringLiteral("map ") + cell(Map);
+        if (!cell(Ping).isEmpty())
+            parts << QStringLiteral("ping ") + cell(Ping);
+    } else {
+        parts << QStringLiteral("host ") + cell(Host) << cell(Status).toLower() << count
+              << (icon(row) == LockedRoom ? QStringLiteral("locked") : QStringLiteral("open"));
+    }
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(", "));
+}
+
 QString RoomListModel::text(int row, Column column) const
 {
     return data(index(row, column)).toString();
@@ -86,6 +109,16 @@ QString RoomListModel::tag(int row) const
 RoomListModel::IconIndex RoomListModel::icon(int row) const
 {
     return IconIndex(data(index(row, 0), IconRole).toInt());
+}
+
+bool RoomListModel::isFull(int row) const
+{
+    return data(index(row, 0), FullRole).toBool();
+}
+
+void RoomListModel::setFull(int row, bool full)
+{
+    setData(index(row, 0), full, FullRole);
 }
 
 void RoomListModel::setIcon(int row, IconIndex icon)

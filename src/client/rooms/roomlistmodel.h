@@ -20,6 +20,7 @@ public:
     enum IconIndex { OpenRoom = 2, LockedRoom = 3, RunningGame = 4 };
     static constexpr int TagRole = Qt::UserRole + 1;  // on column 0: address
     static constexpr int IconRole = Qt::UserRole + 2; // on column 0: IconIndex
+    static constexpr int FullRole = Qt::UserRole + 3; // on column 0: bool, running games only
 
     explicit RoomListModel(QObject *parent = nullptr);
 
@@ -31,6 +32,10 @@ public:
     // sorted again, so the row moves to its place. Returns the row where it stands.
     int appendRow(const QStringList &columns, const QString &tag, IconIndex icon);
 
+    // Column 0 also answers Qt::AccessibleTextRole: the row as a person would say it ("Friday
+    // night raid, host player1, in chat, 2 players, open").
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+
     QString text(int row, Column column) const;
     // Rows do not move when a text changes, even in sorted mode, so that a caller can write
     // several columns of the row it found; the next append or header click sorts again.
@@ -38,6 +43,9 @@ public:
     QString tag(int row) const;
     IconIndex icon(int row) const;
     void setIcon(int row, IconIndex icon);
+    // Whether a running game's last status answer had every slot taken; false until one came.
+    bool isFull(int row) const;
+    void setFull(int row, bool full);
 
     // The first row in display order whose column 0 is `host` exactly and which is not a
     // running game; -1 when the room is unknown.

@@ -18,6 +18,7 @@ void setUpRoomListView(QTreeView &view, RoomListModel &model)
     view.setSelectionMode(QAbstractItemView::SingleSelection);
     view.setSelectionBehavior(QAbstractItemView::SelectRows);
     view.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view.setTabKeyNavigation(false); // Tab goes on to the next control; arrows move in the list
     view.setIconSize({16, 16});
 
     QHeaderView *header = view.header();

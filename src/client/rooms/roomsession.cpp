@@ -1,5 +1,6 @@
 #include "client/rooms/roomsession.h"
 
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/platform/dialogs.h"
@@ -27,13 +28,20 @@ int stateNumber(std::optional<protocol::ReadyState> state)
     return state ? int(*state) : 0;
 }
 
+// A room chat line comes whole, "name: text"; no name holds ": ".
+QString senderOf(const QString &line)
+{
+    const qsizetype end = line.indexOf(QStringLiteral(": "));
+    return end < 0 ? QString() : line.left(end);
+}
+
 } // namespace
 
 RoomSession::RoomSession(RoomState &room, RoomListModel &rooms, LobbyDispatcher &dispatcher,
                          LobbyConnection &connection, SessionState &session, Dialogs &dialogs,
-                         OwnName ownName, QObject *parent)
+                         const IgnoreList &ignored, OwnName ownName, QObject *parent)
     : QObject(parent), m_room(room), m_rooms(rooms), m_dispatcher(&dispatcher),
-      m_connection(connection), m_session(session), m_dialogs(dialogs),
+      m_connection(connection), m_session(session), m_dialogs(dialogs), m_ignored(ignored),
       m_ownName(std::move(ownName))
 {
     // The login opens the way, the logout or a drop closes it; entering a room closes it and
@@ -195,7 +203,7 @@ void RoomSession::onMemberLeft(const protocol::MemberLeft &message)
 
 void RoomSession::onRoomChat(const protocol::RoomChat &message)
 {
-    if (!m_room.hostName.isEmpty())
+    if (!m_room.hostName.isEmpty() && !m_ignored.contains(senderOf(message.text)))
         m_room.addChatLine(message.text);
 }
 

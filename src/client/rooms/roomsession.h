@@ -16,6 +16,7 @@ struct RoomRefused;
 namespace client {
 
 class Dialogs;
+class IgnoreList;
 class LobbyConnection;
 class LobbyDispatcher;
 class RoomListModel;
@@ -30,7 +31,8 @@ class SessionState;
 //
 // The room window and the create-room button belong to the main window's side: this object
 // asks for them through signals. So does starting the game, which the launcher does.
-// Messages about the members and the chat are ignored while the user is in no room.
+// Messages about the members and the chat are ignored while the user is in no room. Chat lines
+// of ignored players are dropped.
 class RoomSession : public QObject
 {
     Q_OBJECT
@@ -42,7 +44,7 @@ public:
     // Registers its handlers on `dispatcher`, until this object is destroyed.
     RoomSession(RoomState &room, RoomListModel &rooms, LobbyDispatcher &dispatcher,
                 LobbyConnection &connection, SessionState &session, Dialogs &dialogs,
-                OwnName ownName, QObject *parent = nullptr);
+                const IgnoreList &ignored, OwnName ownName, QObject *parent = nullptr);
     ~RoomSession() override;
 
     QString ownName() const { return m_ownName(); }
@@ -104,6 +106,7 @@ private:
     LobbyConnection &m_connection;
     SessionState &m_session;
     Dialogs &m_dialogs;
+    const IgnoreList &m_ignored;
     OwnName m_ownName;
     bool m_canCreateOrJoin = false;
 };

@@ -83,6 +83,11 @@ void RoomState::setMemberIcon(const QString &name, int icon)
     QStandardItem *item = m_members.item(row);
     item->setData(icon, IconRole);
     item->setIcon(memberStateIcon(icon));
+    // What a screen reader says of the row: the name and the state the picture shows.
+    const QString state = icon == 2   ? QStringLiteral(", ready")
+                          : icon == 1 ? QStringLiteral(", not ready")
+                                      : QString();
+    item->setData(name + state, Qt::AccessibleTextRole);
 }
 
 int RoomState::memberIcon(const QString &name) const

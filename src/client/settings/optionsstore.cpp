@@ -13,13 +13,14 @@ OptionsStore::OptionsStore(Options &options, const QString &dataFolder, DefaultG
 {
 }
 
-bool OptionsStore::load()
+bool OptionsStore::load(Tell tell)
 {
     SettingsFile::read(m_settingsPath, m_options);
     if (m_defaults.fillEmpty(m_options))
         return true;
-    m_dialogs.messageBox(applicationTitle(), DefaultGameFolders::missingMessage(),
-                         Dialogs::Buttons::Ok, Dialogs::Icon::Information);
+    if (tell == Tell::User)
+        m_dialogs.messageBox(applicationTitle(), DefaultGameFolders::missingMessage(),
+                             Dialogs::Buttons::Ok, Dialogs::Icon::Information);
     return false;
 }
 

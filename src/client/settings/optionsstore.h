@@ -19,8 +19,10 @@ public:
 
     // The load step of the options: reads the settings file (a missing file keeps the
     // defaults), then probes the default game folders; when both folders are still empty,
-    // says so in a message box and returns false.
-    bool load();
+    // returns false after saying so in a message box, unless `tell` is Quietly (the caller
+    // then tells the user itself).
+    enum class Tell { User, Quietly };
+    bool load(Tell tell = Tell::User);
     // Writes all seven settings. False when the file cannot be written.
     bool save();
 

@@ -4,6 +4,7 @@
 #include "client/ui/icons.h"
 #include "client/ui/picturebutton.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 
@@ -14,7 +15,7 @@ constexpr int kTitleBandHeight = 30;
 }
 
 BorderlessWindow::BorderlessWindow(const Frame &frame, QWidget *parent)
-    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
+    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint), m_escapeCloses(frame.escapeCloses)
 {
     setObjectName(QLatin1String(frame.objectName));
     setWindowTitle(frame.title);
@@ -28,6 +29,7 @@ BorderlessWindow::BorderlessWindow(const Frame &frame, QWidget *parent)
     m_close =
         addControl<PictureButton>(frame.closeButtonName, {frame.size.width() - 28, 4, 22, 22});
     m_close->setPicture(Icons::button(QStringLiteral("close")));
+    m_close->setToolTip(tr("Close"));
     connect(m_close, &QAbstractButton::clicked, this, [this] { closeClicked(); });
 
     DragHandle::install(this, {m_title});
@@ -38,10 +40,41 @@ void BorderlessWindow::closeClicked()
     close();
 }
 
+void BorderlessWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (m_escapeCloses && event->key() == Qt::Key_Escape) {
+        closeClicked();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void BorderlessWindow::showEvent(QShowEvent *event)
+{
+    // The close button comes first in the window but last in the tab order, after the controls
+    // the subclass added (and may have shown or hidden since).
+    QWidget *last = nullptr;
+    for (QWidget *w = nextInFocusChain(); w != this; w = w->nextInFocusChain()) {
+        if (w != m_close && isAncestorOf(w))
+            last = w;
+    }
+    if (last)
+        QWidget::setTabOrder(last, m_close);
+    QWidget::showEvent(event);
+}
+
 QLabel *BorderlessWindow::addLabel(const char *name, const QString &text, QRect geometry)
 {
     auto *label = addControl<QLabel>(name, geometry);
     label->setText(text);
+    return label;
+}
+
+QLabel *BorderlessWindow::addFieldLabel(const char *name, const QString &text, QRect geometry,
+                                        QWidget *field)
+{
+    QLabel *label = addLabel(name, text, geometry);
+    label->setBuddy(field); // the field is named by the label, and Alt+key on it focuses it
     return label;
 }
 

@@ -11,8 +11,9 @@ class PictureButton;
 // A borderless window of fixed size in the program's look: a darker title band with the bold
 // title label and a close button at its right end, and a thin border. The user drags it by its
 // background and its title label. The close button closes the window unless a subclass gives it
-// another meaning (closeClicked). Subclasses place their controls below the band at fixed
-// positions; on its own it stands for a window whose contents are not there yet.
+// another meaning (closeClicked); Escape does the same unless the frame says otherwise. Subclasses
+// place their controls below the band at fixed positions; on its own it stands for a window whose
+// contents are not there yet.
 class BorderlessWindow : public QWidget
 {
     Q_OBJECT
@@ -27,6 +28,7 @@ public:
         QSize size;
         const char *titleLabelName = "Label2";
         const char *closeButtonName = "closeButton";
+        bool escapeCloses = true; // Escape does what the close button does
     };
 
     explicit BorderlessWindow(const Frame &frame, QWidget *parent = nullptr);
@@ -48,10 +50,15 @@ protected:
         return control;
     }
     QLabel *addLabel(const char *name, const QString &text, QRect geometry);
+    // A label that names `field` for screen readers and the keyboard.
+    QLabel *addFieldLabel(const char *name, const QString &text, QRect geometry, QWidget *field);
 
     void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
+    bool m_escapeCloses;
     QLabel *m_title;
     PictureButton *m_close;
 };

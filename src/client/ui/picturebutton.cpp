@@ -1,5 +1,6 @@
 #include "client/ui/picturebutton.h"
 
+#include <QEvent>
 #include <QPainter>
 
 namespace client {
@@ -72,6 +73,13 @@ void PictureButton::leaveEvent(QEvent *event)
     m_hovered = false;
     update();
     QAbstractButton::leaveEvent(event);
+}
+
+bool PictureButton::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTipChange)
+        setAccessibleName(toolTip());
+    return QAbstractButton::event(event);
 }
 
 } // namespace client

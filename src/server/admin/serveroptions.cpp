@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QStandardPaths>
+#include <QUrl>
 
 namespace server {
 
@@ -25,6 +26,12 @@ const QString kUsage = QStringLiteral(
     "  --versions LIST          accepted client versions, comma-separated (default \"V 6.0\")\n"
     "  --registration open|closed  whether a login with an unknown name creates the account\n"
     "                           (default closed)\n"
+    "  --registration-per-hour N  accounts one address may register in an hour (default 3);\n"
+    "                           a player beyond it is told \"Too many new accounts from your\n"
+    "                           address\"\n"
+    "  --web-address URL        the web pages as players reach them (e.g.\n"
+    "                           http://lobby.example.org), for the round results posted in\n"
+    "                           rooms (default: the address the player reached, --http-port)\n"
     "  --login-timeout S        seconds a new connection has to log in (default 30)\n"
     "  --idle-timeout S         seconds a logged-in connection may stay silent (default 95)\n"
     "  --hash-cost standard|minimal  work per password hash of a registration (default\n"
@@ -130,6 +137,8 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
                        valueOption("web-connections-per-address"),
                        valueOption("web-timeout"),
                        valueOption("web-memory"),
+                       valueOption("registration-per-hour"),
+                       valueOption("web-address"),
                        QCommandLineOption(QStringLiteral("help"))});
     if (!parser.parse(arguments))
         return OptionsError{parser.errorText() + QLatin1Char('\n') + kUsage};
@@ -167,6 +176,15 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
     options.databasePath = parser.isSet(QStringLiteral("db")) ? parser.value(QStringLiteral("db"))
                                                               : defaultDatabasePath();
     options.publishFile = parser.value(QStringLiteral("publish"));
+    if (parser.isSet(QStringLiteral("web-address"))) {
+        options.webAddress = parser.value(QStringLiteral("web-address"));
+        const QUrl url(options.webAddress, QUrl::StrictMode);
+        if (!url.isValid() ||
+            (url.scheme() != QLatin1String("http") && url.scheme() != QLatin1String("https")) ||
+            url.host().isEmpty() || url.hasQuery() || url.hasFragment())
+            return OptionsError{QStringLiteral("--web-address takes an address such as "
+                                               "http://lobby.example.org:8080")};
+    }
     if (parser.isSet(QStringLiteral("versions"))) {
         QStringList versions;
         for (const QString &v : parser.value(QStringLiteral("versions")).split(QLatin1Char(','))) {
@@ -200,7 +218,8 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
          {std::pair{"max-connections", &options.lobby.maxConnections},
           std::pair{"max-connections-per-address", &options.lobby.maxConnectionsPerAddress},
           std::pair{"web-connections", &options.web.maxConnections},
-          std::pair{"web-connections-per-address", &options.web.maxConnectionsPerAddress}}) {
+          std::pair{"web-connections-per-address", &options.web.maxConnectionsPerAddress},
+          std::pair{"registration-per-hour", &options.lobby.registrationsPerHour}}) {
         const QString key = QString::fromLatin1(name);
         if (!parser.isSet(key))
             continue;

@@ -20,6 +20,7 @@ struct ServerOptions
     quint16 httpPort = 80; // the web pages; 0 picks a free one
     QString databasePath;
     QString publishFile; // the client program offered for updates; empty: none
+    QString webAddress;  // the pages as players reach them, for links; empty: as they reached us
     LobbyConfig lobby;
     WebLimits web;
     HashCost hashCost = HashCost::Standard;    // of the passwords registered while it runs

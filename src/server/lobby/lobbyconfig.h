@@ -9,6 +9,7 @@ struct LobbyConfig
 {
     QStringList versions{QStringLiteral("V 6.0")}; // client versions accepted in "VE"
     bool openRegistration = false;                 // an unknown name at login creates the account
+    int registrationsPerHour = 3;                  // accounts one address may create in an hour
     int loginTimeoutMs = 30'000;                   // a connection must log in within this
     int idleTimeoutMs = 95'000;        // a logged-in connection silent this long is closed
     int maxConnectionsPerAddress = 32; // further connections from one address are closed
@@ -23,6 +24,9 @@ struct LobbyConfig
     int presenceSpacingMs = 1000;
     // A member's ready state reaches his room at most about once per this, as the latest.
     int readySpacingMs = 1000;
+    // Refusals of one cause from one address are logged once, then counted and written as
+    // one line per this.
+    int refusalSummaryMs = 10'000;
 };
 
 } // namespace server

@@ -15,10 +15,12 @@ namespace server {
 LobbyServer::LobbyServer(const LobbyConfig &config, AccountStore &accounts, BuddyStore &buddies,
                          DiagnosticStore &diagnostics, PasswordWorker &passwords,
                          const Clock &clock, QObject *parent)
-    : QObject(parent), m_config(config), m_buddies(buddies), m_throttle(clock), m_limits(clock),
+    : QObject(parent), m_config(config), m_buddies(buddies),
+      m_refusals(lcLobby, m_config.refusalSummaryMs), m_throttle(clock),
+      m_registrations(clock, m_config.registrationsPerHour), m_limits(clock),
       m_presenceBroadcaster(m_lobby, m_config.presenceSpacingMs),
-      m_login(m_config, m_lobby, m_rooms, accounts, buddies, passwords, m_throttle,
-              [this](Session &session) { endSession(session); }),
+      m_login(m_config, m_lobby, m_rooms, accounts, buddies, passwords, m_throttle, m_registrations,
+              m_refusals, [this](Session &session) { endSession(session); }),
       m_presence(m_presenceBroadcaster, accounts, buddies, m_limits),
       m_chat(m_lobby, diagnostics, m_limits),
       m_roomHandler(m_lobby, m_rooms, m_limits, m_config.readySpacingMs)
@@ -87,14 +89,13 @@ void LobbyServer::accept(QTcpSocket *socket)
 bool LobbyServer::mayConnect(const QString &address)
 {
     if (m_connections >= m_config.maxConnections) {
-        qCWarning(lcLobby).noquote()
-            << "addr=" + address << "refused: the lobby holds" << m_connections << "connections";
+        m_refusals.refused(address, QStringLiteral("connection: the lobby holds %1 connections")
+                                        .arg(m_config.maxConnections));
         return false;
     }
     if (m_connectionsPerAddress.value(address) >= m_config.maxConnectionsPerAddress) {
-        qCWarning(lcLobby).noquote()
-            << "addr=" + address << "refused:" << m_config.maxConnectionsPerAddress
-            << "connections from this address";
+        m_refusals.refused(address, QStringLiteral("connection: %1 connections from this address")
+                                        .arg(m_config.maxConnectionsPerAddress));
         return false;
     }
     return true;

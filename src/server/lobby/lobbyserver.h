@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/core/serverlog.h"
 #include "server/lobby/accountlimits.h"
 #include "server/lobby/chathandler.h"
 #include "server/lobby/lobby.h"
@@ -8,6 +9,7 @@
 #include "server/lobby/loginthrottle.h"
 #include "server/lobby/presencebroadcaster.h"
 #include "server/lobby/presencehandler.h"
+#include "server/lobby/registrationcap.h"
 #include "server/lobby/roomhandler.h"
 #include "server/lobby/roomregistry.h"
 #include "server/net/messagerouter.h"
@@ -66,7 +68,9 @@ private:
     QTcpServer m_server;
     Lobby m_lobby;
     RoomRegistry m_rooms;
+    RefusalLog m_refusals;
     LoginThrottle m_throttle;
+    RegistrationCap m_registrations;
     AccountLimits m_limits;
     QHash<QString, int> m_connectionsPerAddress;
     int m_connections = 0;

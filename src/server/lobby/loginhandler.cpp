@@ -1,10 +1,12 @@
 #include "server/lobby/loginhandler.h"
 
+#include "protocol/rooms.h"
 #include "server/core/serverlog.h"
 #include "server/lobby/announcements.h"
 #include "server/lobby/lobby.h"
 #include "server/lobby/lobbyconfig.h"
 #include "server/lobby/loginthrottle.h"
+#include "server/lobby/registrationcap.h"
 #include "server/lobby/roomregistry.h"
 #include "server/net/connection.h"
 #include "server/net/session.h"
@@ -20,9 +22,11 @@ namespace server {
 
 LoginHandler::LoginHandler(const LobbyConfig &config, Lobby &lobby, const RoomRegistry &rooms,
                            AccountStore &accounts, BuddyStore &buddies, PasswordWorker &passwords,
-                           LoginThrottle &throttle, std::function<void(Session &)> endSession)
+                           LoginThrottle &throttle, RegistrationCap &registrations,
+                           RefusalLog &refusals, std::function<void(Session &)> endSession)
     : m_config(config), m_lobby(lobby), m_rooms(rooms), m_accounts(accounts), m_buddies(buddies),
-      m_passwords(passwords), m_throttle(throttle), m_endSession(std::move(endSession)),
+      m_passwords(passwords), m_throttle(throttle), m_registrations(registrations),
+      m_refusals(refusals), m_endSession(std::move(endSession)),
       m_queue(passwords.threads(), config.maxConnectionsPerAddress, config.maxQueuedLogins)
 {
     // Made now, so that the first unknown name is not refused more slowly than the rest.
@@ -73,8 +77,7 @@ void LoginHandler::enqueue(Session &session, const QString &name, const QString 
         },
         [this, address] { m_throttle.recordFailure(address); });
     if (!queued) {
-        qCWarning(lcLogin).noquote()
-            << sessionTag(session) << "login refused: too many password checks waiting";
+        m_refusals.refused(address, QStringLiteral("login: too many password checks waiting"));
         refuse(session);
         return;
     }
@@ -96,6 +99,11 @@ void LoginHandler::check(Session &session, const QString &name, const QString &p
     const std::optional<Account> account = m_accounts.findByName(name);
     const bool registers =
         !account && m_config.openRegistration && isAcceptableName(name) && !password.isEmpty();
+    if (registers && !m_registrations.tryRegister(address)) {
+        finished();
+        refuseRegistration(session);
+        return;
+    }
     if (registers) {
         m_passwords.hash(password, &m_queue, [this, guard, name, finished](const QByteArray &hash) {
             finished();
@@ -138,6 +146,17 @@ void LoginHandler::refuse(Session &session)
     m_throttle.recordFailure(session.connection().peerAddress());
     qCInfo(lcLogin).noquote() << sessionTag(session) << "login failed";
     session.send(protocol::LoginFailed{}.encode());
+    session.startLoginDeadline(m_config.loginTimeoutMs);
+}
+
+void LoginHandler::refuseRegistration(Session &session)
+{
+    session.setLoginPending(false);
+    m_refusals.refused(session.connection().peerAddress(),
+                       QStringLiteral("registration: %1 new accounts an hour from this address")
+                           .arg(m_config.registrationsPerHour));
+    session.send(protocol::RoomRefused{QString::fromLatin1(kTooManyRegistrations)}.encode() +
+                 protocol::LoginFailed{}.encode());
     session.startLoginDeadline(m_config.loginTimeoutMs);
 }
 

@@ -18,7 +18,8 @@ QString addressText(const QHostAddress &address)
 } // namespace
 
 Connection::Connection(QTcpSocket *socket, QObject *parent)
-    : QObject(parent), m_socket(socket), m_peerAddress(addressText(socket->peerAddress()))
+    : QObject(parent), m_socket(socket), m_peerAddress(addressText(socket->peerAddress())),
+      m_localAddress(addressText(socket->localAddress()))
 {
     m_socket->setParent(this);
     // Lines go out as they are written; none waits for the acknowledgement of the one before.

@@ -43,6 +43,8 @@ public:
 
     // The peer's address as dotted text; IPv4 peers on a dual-stack socket appear as IPv4.
     QString peerAddress() const { return m_peerAddress; }
+    // The server's address as this peer reached it, in the same form.
+    QString localAddress() const { return m_localAddress; }
 
 Q_SIGNALS:
     // A complete message with exactly its field count; short messages are not emitted.
@@ -59,6 +61,7 @@ private:
     protocol::FrameBuffer m_buffer{protocol::Direction::ToServer};
     QTimer m_silence;
     QString m_peerAddress;
+    QString m_localAddress;
     qint64 m_maxUnsent = kDefaultMaxUnsent;
     bool m_closing = false;
     bool m_finished = false;

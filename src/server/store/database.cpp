@@ -263,7 +263,8 @@ bool Database::isBusy(const QSqlError &error)
 {
     bool isNumber = false;
     const int code = error.nativeErrorCode().toInt(&isNumber) & 0xFF; // extended codes too
-    return isNumber && (code == 5 /* SQLITE_BUSY */ || code == 6 /* SQLITE_LOCKED */);
+    return isNumber && (code == 5 /* SQLITE_BUSY */ || code == 6 /* SQLITE_LOCKED */ ||
+                        code == 13 /* SQLITE_FULL */);
 }
 
 } // namespace server

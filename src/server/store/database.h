@@ -5,8 +5,8 @@
 
 namespace server {
 
-// How a write ended: stored; refused for now because another process holds the file's lock,
-// worth another try; or failed for good (logged).
+// How a write ended: stored; refused for now because another process holds the file's lock
+// or the disk is full, worth another try; or failed for good (logged).
 enum class WriteOutcome { Written, Busy, Failed };
 
 // The lobby's SQLite file, opened in WAL mode with synchronous=NORMAL: a commit is written to
@@ -40,7 +40,8 @@ public:
 
     static constexpr int kSchemaVersion = 2;
 
-    // Whether `error` is SQLite's "database is locked" or "table is locked".
+    // Whether `error` passes with time: SQLite's "database is locked", "table is locked" or
+    // "database or disk is full".
     static bool isBusy(const QSqlError &error);
 
 private:

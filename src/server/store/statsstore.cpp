@@ -40,9 +40,9 @@ QString notNull(const QString &text)
     return text.isNull() ? QStringLiteral("") : text; // a null QString binds as SQL NULL
 }
 
-// Runs `steps` in one transaction. Busy when another process holds the lock (nothing is
-// written and the caller may try again); Failed, logged as `what`, when a step or the commit
-// fails otherwise.
+// Runs `steps` in one transaction. Busy when another process holds the lock or the disk is
+// full (nothing is written and the caller may try again); Failed, logged as `what`, when a step or
+// the commit fails otherwise.
 template <typename Steps>
 WriteOutcome inTransaction(Database &database, const char *what, Steps steps)
 {
@@ -168,7 +168,7 @@ WriteOutcome StatsStore::addRejected(int senderId, const QString &reason, const 
                                       "upload) VALUES (?, ?, ?, ?)"));
         insert.addBindValue(senderId);
         insert.addBindValue(timeText(received));
-        insert.addBindValue(notNull(reason));
+        insert.addBindValue(notNull(reason.left(kMaxRejectedChars)));
         insert.addBindValue(notNull(upload.left(kMaxRejectedChars)));
         QSqlQuery prune(m_database.handle());
         prune.prepare(QStringLiteral("DELETE FROM stats_rejected WHERE sender_id = ? AND id NOT IN "

@@ -58,7 +58,8 @@ struct RejectedUpload
 class StatsStore
 {
 public:
-    // Busy: another process holds the database's lock; nothing was written.
+    // Busy: another process holds the database's lock or the disk is full; nothing was
+    // written.
     enum class Added { Counted, Uncounted, Duplicate, Busy, Failed };
 
     static constexpr int kRepeatWindowSeconds = 60;

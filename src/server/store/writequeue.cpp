@@ -22,7 +22,7 @@ void WriteQueue::submit(Write write)
     }
     // The first to wait was just tried; the others wait behind it without a try of their own.
     if (m_waiting.empty()) {
-        qCWarning(lcStore).noquote() << m_what << "waits: the database is locked";
+        qCWarning(lcStore).noquote() << m_what << "waits: the database refuses writes for now";
         m_retry.start();
     }
     m_waiting.push_back(std::move(write));
@@ -37,7 +37,7 @@ void WriteQueue::drain()
         }
         m_waiting.pop_front();
     }
-    qCInfo(lcStore).noquote() << m_what << "written after the database was unlocked";
+    qCInfo(lcStore).noquote() << m_what << "written after the database took writes again";
 }
 
 } // namespace server

@@ -9,10 +9,11 @@
 
 namespace server {
 
-// Writes that find the database locked by another process (an admin command, a backup) wait
-// here and are tried again, oldest first, every kRetryMs; a write that comes while others wait
-// queues behind them, so that an upload and a reset after it keep their order. The lobby never
-// blocks on the lock. Past kMaxWaiting waiting writes, new ones are dropped with a log line.
+// Writes that find the database locked by another process (an admin command, a backup) or the
+// disk full wait here and are tried again, oldest first, every kRetryMs; a write that comes while
+// others wait queues behind them, so that an upload and a reset after it keep their order. The
+// lobby never blocks on the lock. Past kMaxWaiting waiting writes, new ones are dropped with a log
+// line.
 class WriteQueue
 {
 public:

@@ -35,9 +35,9 @@ class TestClientApplication : public QObject
 
 private Q_SLOTS:
     // Start-up makes the data folder, shows the window and the tray icon and owns its timers
-    // without starting them. A first start leads the user in: after the warning about the game
-    // folders the options are offered, and without a saved login the login window opens (after
-    // the options, when they were taken). A saved login opens nothing. Escape closes both
+    // without starting them. A first start leads the user in: one message says that no game
+    // folder was found and offers the options, and without a saved login the login window opens
+    // (after the options, when they were taken). A saved login opens nothing. Escape closes both
     // windows.
     void firstStart_data()
     {
@@ -57,8 +57,7 @@ private Q_SLOTS:
         if (savedLogin)
             QVERIFY(QDir().mkpath(h.dataFolder()) &&
                     CredentialsFile::write(h.dataFolder() + "/user.txt", {"Ann", "pw"}));
-        h.dialogs.answers = {Dialogs::Answer::Ok,
-                             takeOptions ? Dialogs::Answer::Yes : Dialogs::Answer::No};
+        h.dialogs.answers = {takeOptions ? Dialogs::Answer::Yes : Dialogs::Answer::No};
         QVERIFY(h.app.start());
         QVERIFY(QDir(h.dataFolder()).exists());
         QVERIFY(h.app.form().isVisible());
@@ -71,8 +70,8 @@ private Q_SLOTS:
             QVERIFY2(timer && timer->interval() == interval && !timer->isActive(), name);
         }
         QCOMPARE(h.dialogs.asked,
-                 (QStringList{"Could not find path to game, select at least one game in options",
-                              QString(StartupSequence::kOfferOptionsText) + " [Yes/No]"}));
+                 QStringList{"Could not find path to game, select at least one game in options.\n\n"
+                             "Open the options now? [Yes/No]"});
         AppWindows &windows = h.app.windows();
         QCOMPARE(windows.isOptionsShown(), takeOptions);
         if (takeOptions) {

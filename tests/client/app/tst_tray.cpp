@@ -1,6 +1,7 @@
 #include "client/app/form1.h"
 #include "client/app/traycontroller.h"
 #include "client/desktop/trayservice.h"
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatlog.h"
@@ -32,7 +33,9 @@ private:
         ManualClock clock;
         LobbyDispatcher dispatcher;
         LobbyConnection connection{dispatcher};
-        LobbyChat chat{form.txtChat, form.txtChatSend, form.Picture3, connection, session, clock};
+        IgnoreList ignored{QString()};
+        LobbyChat chat{form.txtChat, form.txtChatSend, form.Picture3, connection, session,
+                       clock,        ignored};
         TrayController controller{tray, form, session, connection, chat};
         QSignalSpy restored{&controller, &TrayController::restored};
         ScriptedServer server;

@@ -1,8 +1,10 @@
 // When a private message makes a sound and when it marks its sender unread: it depends on
 // whose conversation is on display and whether the window is on the screen.
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/pager/avatarloader.h"
+#include "client/pager/conversationarchive.h"
 #include "client/pager/pager.h"
 #include "client/platform/eventsounds.h"
 #include "client/presence/playerlistmodel.h"
@@ -12,6 +14,7 @@
 #include "support/clientfakes.h"
 #include "support/files.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -43,6 +46,9 @@ private Q_SLOTS:
                                                 << "2" << false << false << "ann:  hi";
         QTest::newRow("not listed: sound only") << false << "zed"
                                                 << "0" << true << false << "";
+        // Ignored under another case: nothing at all.
+        QTest::newRow("ignored") << false << "cy"
+                                 << "0" << false << false << "";
     }
 
     void soundAndUnreadMark()
@@ -61,7 +67,8 @@ private Q_SLOTS:
         sounds.setSoundsOn(true);
         sounds.setGameFolder(game.path());
         PlayerListModel players;
-        for (const auto &[name, id] : {std::pair{"ann", 11}, std::pair{"bob", 12}}) {
+        for (const auto &[name, id] :
+             {std::pair{"ann", 11}, std::pair{"bob", 12}, std::pair{"cy", 13}}) {
             PlayerListModel::Entry entry;
             entry.texts[PlayerListModel::Name] = name;
             entry.id = id;
@@ -74,7 +81,11 @@ private Q_SLOTS:
         session.ownName = QStringLiteral("me");
         ManualClock clock;
         AvatarLoader avatars{QUrl()};
-        Pager pager(players, connection, session, SendRateGuard(session, clock), sounds, avatars);
+        IgnoreList ignored{QString()};
+        ignored.setIgnored(QStringLiteral("CY"), true);
+        ConversationArchive archive{QString(), clock};
+        Pager pager(players, connection, session, SendRateGuard(session, clock), sounds, avatars,
+                    ignored, archive);
         pager.registerHandler(dispatcher);
         pager.SendMessagee(QStringLiteral("bob"));
         pager.setShown(shown);
@@ -86,8 +97,40 @@ private Q_SLOTS:
         QCOMPARE(player.played.size(), sound ? 1 : 0);
         const int row = players.findEntry(from);
         QCOMPARE(players.icon(row) == Icons::UnreadMessage, unread);
-        if (!line.isEmpty())
-            QCOMPARE(pager.history(players.id(row).value_or(0)), line + "\r\n");
+        QCOMPARE(pager.history(players.id(row).value_or(0)), line.isEmpty() ? "" : line + "\r\n");
+    }
+
+    // A conversation's folder is one per player, right inside the archive's folder, whatever
+    // the name holds.
+    void conversationFolders_data()
+    {
+        QTest::addColumn<QString>("partner");
+        QTest::addColumn<QString>("same");  // the same player spelled otherwise
+        QTest::addColumn<QString>("other"); // another player
+        const QString euros(200, QChar(0x20AC));
+        QTest::newRow("case") << "Anna"
+                              << "ANNA"
+                              << "Anne";
+        QTest::newRow("path") << "../a\\b"
+                              << "../A\\B"
+                              << "..%2Fa%5Cb";
+        QTest::newRow("too long") << euros << euros << euros.chopped(1) + "x";
+    }
+
+    void conversationFolders()
+    {
+        QFETCH(QString, partner);
+        QFETCH(QString, same);
+        QFETCH(QString, other);
+        const QString folder = ConversationArchive::folderName(partner);
+        QVERIFY(folder.size() <= 120 && ConversationArchive::folderName(other) != folder);
+        QTemporaryDir home;
+        ManualClock clock;
+        ConversationArchive archive(home.path(), clock);
+        archive.keep(partner, "me", "hi");
+        QTRY_COMPARE(ConversationArchive(home.path(), clock).earlierLines(same).size(), 1);
+        QCOMPARE(QDir(home.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                 QStringList{folder});
     }
 };
 

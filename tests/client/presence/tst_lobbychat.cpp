@@ -1,3 +1,4 @@
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/presence/chatarchive.h"
@@ -69,7 +70,7 @@ struct ChatWindow
     ChatWindow()
         : txtChat(new QTextBrowser(&window)), txtChatSend(new QLineEdit(&window)),
           picture3(new QPushButton(&window)), connection(dispatcher),
-          chat(txtChat, txtChatSend, picture3, connection, session, clock, nullptr,
+          chat(txtChat, txtChatSend, picture3, connection, session, clock, ignored, nullptr,
                [this](const QString &address) { opened << address; })
     {
         auto *layout = new QVBoxLayout(&window);
@@ -110,6 +111,7 @@ struct ChatWindow
     LobbyDispatcher dispatcher;
     LobbyConnection connection;
     QStringList opened;
+    IgnoreList ignored{QString()};
     LobbyChat chat;
 };
 

@@ -1,5 +1,6 @@
 // Which of Start and Join the room window shows and when the game follows the host's, for the
 // cases the end-to-end test does not meet; no server.
+#include "client/lobby/ignorelist.h"
 #include "client/lobby/lobbyconnection.h"
 #include "client/lobby/lobbydispatcher.h"
 #include "client/rooms/frmroom.h"
@@ -30,8 +31,9 @@ struct Rig
     LobbyConnection connection{dispatcher};
     SessionState session;
     FakeDialogs dialogs;
-    RoomSession rooms_{
-        room, rooms, dispatcher, connection, session, dialogs, [] { return QStringLiteral("me"); }};
+    IgnoreList ignored{QString()};
+    RoomSession rooms_{room,    rooms,   dispatcher, connection,
+                       session, dialogs, ignored,    [] { return QStringLiteral("me"); }};
 
     // Joins the listed room of "host" at 10.0.0.5.
     void join()

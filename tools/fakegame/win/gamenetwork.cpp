@@ -148,7 +148,8 @@ void GameNetwork::answerQueries()
         if (std::string_view(datagram, std::size_t(size)).find("\\status\\") ==
             std::string_view::npos)
             continue;
-        const std::string reply = statusReply(m_info, ++m_queries);
+        const std::string reply =
+            statusReply(withJoinedPlayers(m_info, m_players.size()), ++m_queries);
         sendto(m_status, reply.data(), int(reply.size()), 0,
                reinterpret_cast<const sockaddr *>(&sender), senderSize);
     }
@@ -162,6 +163,11 @@ void GameNetwork::acceptPlayers()
         const SOCKET player = accept(m_listener, reinterpret_cast<sockaddr *>(&from), &fromSize);
         if (player == INVALID_SOCKET)
             return;
+        if (!hasRoom(m_info, m_players.size())) {
+            say("player turned away, the game is full");
+            closesocket(player);
+            continue;
+        }
         WSAAsyncSelect(player, m_window, m_message, FD_READ | FD_CLOSE);
         m_players.push_back(player);
         char text[INET_ADDRSTRLEN] = {};

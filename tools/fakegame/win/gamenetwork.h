@@ -11,8 +11,9 @@
 #include <vector>
 
 // The game's connections over Winsock (started by the caller). A host listens on its TCP
-// port, keeps joining players connected until they leave and answers every "\status\"
-// datagram on the UDP port of the same number; a client connects to a host. The sockets
+// port, keeps joining players connected until they leave (turning them away when every slot is
+// taken) and answers every "\status\" datagram on the UDP port of the same number, counting
+// them; a client connects to a host. The sockets
 // report to `window` as `message` (WSAAsyncSelect), which the window hands to onEvent().
 // Progress goes to standard output as lines: "status ADDRESS PORT" once hosting,
 // "player joined from ADDRESS" per player, "joined ADDRESS PORT" once connected.

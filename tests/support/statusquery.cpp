@@ -1,4 +1,4 @@
-#include "statusquery.h"
+#include "support/statusquery.h"
 
 #include <QNetworkDatagram>
 #include <QUdpSocket>
