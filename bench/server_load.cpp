@@ -11,8 +11,8 @@
 //   server_peak_mb   the server's peak resident memory (password hashing included)
 //   generator_busy_ms  this program's own time handling deliveries during the chat, to show
 //                    that the latencies are the server's
-// Further rows, BM_LobbyLoadHostile, BM_RestartStorm and BM_PagesUnderLoad, are described at
-// their code.
+// Further rows, BM_LobbyLoadHostile, BM_RestartStorm, BM_PagesUnderLoad and BM_WebAttacks, are
+// described at their code.
 // Options before the benchmark's own: --clients=N (default 2000), --rate=R (20),
 // --chat-seconds=S (10), --server=PATH.
 #include "protocol/chat.h"
@@ -29,14 +29,17 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <arpa/inet.h>
+#include <atomic>
 #include <benchmark/benchmark.h>
 #include <cerrno>
 #include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/epoll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -129,6 +132,20 @@ public:
     qint64 loginSentNs() const { return m_loginSentNs; }
     qint64 lastAnnouncementNs() const { return m_lastAnnouncementNs; }
     void holdLogin(bool hold) { m_holdLogin = hold; }
+    // From now on nothing is read: the server's answers pile up for this client.
+    void stopReading() { ::epoll_ctl(m_epoll, EPOLL_CTL_DEL, m_fd, nullptr); }
+    // Reads what is waiting; whether the server has closed the connection.
+    bool closedByServer()
+    {
+        char chunk[65536];
+        for (;;) {
+            const ssize_t n = ::recv(m_fd, chunk, sizeof chunk, MSG_DONTWAIT);
+            if (n == 0 || (n < 0 && errno != EAGAIN && errno != EWOULDBLOCK))
+                return true;
+            if (n < 0)
+                return false;
+        }
+    }
     void sendLogin()
     {
         m_loginSentNs = g_clock.nsecsElapsed();
@@ -667,10 +684,169 @@ void BM_PagesUnderLoad(benchmark::State &state)
     }
 }
 
+// Web visitors beside the lobby, run from a thread of their own: `pages` opens 200 connections
+// at once, each asking "/" ten times (from 13 loopback addresses, as many hosts would), or else
+// 400 connections each send one byte of an endless header per second (from 25), and one the
+// server closes is opened again at once. The visitors stand for other machines: their thread
+// yields to the generator, whose timing of the chat is the measurement.
+void webAttack(bool pages, quint16 port, const std::atomic<bool> &stop, std::atomic<qint64> &served,
+               std::atomic<qint64> &closed)
+{
+    const int count = pages ? 200 : 400;
+    const QByteArray request = pages ? QByteArray("GET / HTTP/1.1\r\nHost: b\r\n\r\n").repeated(9) +
+                                           "GET / HTTP/1.1\r\nHost: b\r\nConnection: close\r\n\r\n"
+                                     : QByteArray("GET / HTTP/1.1\r\nHost: b\r\nX-Slow: ");
+    struct Visitor
+    {
+        int fd = -1;
+        qsizetype sent = 0;
+        qint64 received = 0;
+    };
+    ::setpriority(PRIO_PROCESS, id_t(::gettid()), 10);
+    std::vector<Visitor> visitors(std::size_t(count), Visitor{});
+    const auto open = [&](std::size_t i) {
+        Visitor &v = visitors[i];
+        v = Visitor{::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0), 0, 0};
+        sockaddr_in from{};
+        from.sin_family = AF_INET;
+        from.sin_addr.s_addr = htonl(INADDR_LOOPBACK + 2 + quint32(i / 16));
+        ::bind(v.fd, reinterpret_cast<sockaddr *>(&from), sizeof from);
+        sockaddr_in to{};
+        to.sin_family = AF_INET;
+        to.sin_port = htons(port);
+        to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        ::connect(v.fd, reinterpret_cast<sockaddr *>(&to), sizeof to);
+    };
+    for (std::size_t i = 0; i < visitors.size(); ++i)
+        open(i);
+    std::vector<pollfd> polls(visitors.size());
+    QElapsedTimer trickle;
+    trickle.start();
+    char chunk[65536];
+    while (!stop.load()) {
+        if (std::ranges::all_of(visitors, [](const Visitor &v) { return v.fd < 0; }))
+            break;
+        for (std::size_t i = 0; i < visitors.size(); ++i)
+            polls[i] = {visitors[i].fd,
+                        short(POLLIN | (visitors[i].sent < request.size() ? POLLOUT : 0)), 0};
+        ::poll(polls.data(), polls.size(), 10);
+        for (std::size_t i = 0; i < visitors.size(); ++i) {
+            Visitor &v = visitors[i];
+            if (polls[i].revents & (POLLIN | POLLHUP | POLLERR)) {
+                const ssize_t n = ::recv(v.fd, chunk, sizeof chunk, 0);
+                if (n > 0) {
+                    v.received += n;
+                } else if (n == 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
+                    served += pages && v.received > 0 ? 10 : 0;
+                    ++closed;
+                    ::close(v.fd);
+                    v.fd = -1;
+                    if (!pages)
+                        open(i);
+                    continue;
+                }
+            }
+            if ((polls[i].revents & POLLOUT) && v.sent < request.size()) {
+                const ssize_t n = ::send(v.fd, request.constData() + v.sent,
+                                         size_t(request.size() - v.sent), MSG_NOSIGNAL);
+                v.sent += n > 0 ? n : 0;
+            }
+        }
+        if (!pages && trickle.elapsed() >= 1000) {
+            trickle.restart();
+            for (const Visitor &v : visitors) {
+                if (v.sent == request.size())
+                    ::send(v.fd, "a", 1, MSG_NOSIGNAL);
+            }
+        }
+    }
+    for (const Visitor &v : visitors) {
+        if (v.fd >= 0)
+            ::close(v.fd);
+    }
+}
+
+// Lobby chat while the server is attacked, with N clients logged in (cheap registrations):
+// (0) 200 web connections ask 10 pages each; (1) 400 web connections
+// trickle headers; (2) 50 more lobby clients never read. Counters:
+//   chat_p50_ms, chat_p99_ms, chat_max_ms, chat_lost   as in BM_LobbyLoad (target p99 < 100)
+//   server_max_mb     the server's resident size, sampled during the attack (target < 150)
+//   server_peak_mb    its peak over the whole run, logins included
+//   pages_served      pages answered meanwhile (0)
+//   web_closed        web connections the server closed (1: by its idle limit or its caps)
+//   deaf_dropped      the clients that never read and were dropped (2); the chat alone
+//                     leaves far less than the bound waiting for them in a run this short
+void BM_WebAttacks(benchmark::State &state)
+{
+    const int n = g_settings.clients;
+    const int attack = int(state.range(0));
+    for (auto _ : state) {
+        QTemporaryDir dir;
+        QProcess server;
+        quint16 webPort = 0;
+        const quint16 port =
+            startServer(server, dir.filePath("load.sqlite"), &webPort, {"--hash-cost", "minimal"});
+        if (port == 0 || webPort == 0) {
+            state.SkipWithError("the server or its web pages did not start");
+            return;
+        }
+        const int epoll = ::epoll_create1(EPOLL_CLOEXEC);
+        ChatRecord chat;
+        std::vector<std::unique_ptr<LoadClient>> clients = makeClients(n, chat);
+        state.counters["login_failed"] = logIn(clients, n, port, epoll, 32, 600000);
+
+        ChatRecord deafChat;
+        std::vector<std::unique_ptr<LoadClient>> deaf;
+        if (attack == 2) {
+            for (int i = 0; i < 50; ++i)
+                deaf.push_back(
+                    std::make_unique<LoadClient>(QStringLiteral("deaf%1").arg(i), deafChat));
+            state.counters["login_failed"] += logIn(deaf, 50, port, epoll, 32, 60000);
+            for (const auto &client : deaf)
+                client->stopReading();
+        }
+
+        std::atomic<bool> stop{false};
+        std::atomic<qint64> served{0};
+        std::atomic<qint64> closed{0};
+        std::thread web;
+        if (attack < 2)
+            web = std::thread(webAttack, attack == 0, webPort, std::cref(stop), std::ref(served),
+                              std::ref(closed));
+        double maxMb = 0;
+        qint64 nextNs = g_clock.nsecsElapsed();
+        const auto during = [&] {
+            if (g_clock.nsecsElapsed() < nextNs)
+                return;
+            nextNs += 100'000'000;
+            maxMb = std::max(maxMb, residentMb(server.processId(), "VmRSS:"));
+        };
+        runChat(clients, 1, epoll, chat, state, during);
+        stop = true;
+        if (web.joinable())
+            web.join();
+
+        state.counters["clients"] = stillLoggedIn(clients);
+        state.counters["server_max_mb"] = maxMb;
+        state.counters["server_peak_mb"] = residentMb(server.processId(), "VmHWM:");
+        state.counters["pages_served"] = double(served.load());
+        state.counters["web_closed"] = double(closed.load());
+        state.counters["deaf_dropped"] = double(std::ranges::count_if(
+            deaf, [](const auto &client) { return client->closedByServer(); }));
+
+        deaf.clear();
+        clients.clear();
+        ::close(epoll);
+        server.kill();
+        server.waitForFinished(5000);
+    }
+}
+
 BENCHMARK(BM_LobbyLoad)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_LobbyLoadHostile)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_RestartStorm)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_PagesUnderLoad)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_WebAttacks)->Arg(0)->Arg(1)->Arg(2)->Iterations(1)->Unit(benchmark::kSecond);
 
 // Takes this program's own options out of argv before the benchmark library sees them.
 void takeSettings(int &argc, char **argv)

@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build pkg-config
-    qt6-base-dev libqt6sql6-sqlite qt6-httpserver-dev qt6-websockets-dev qt6-multimedia-dev
+    qt6-base-dev libqt6sql6-sqlite libmicrohttpd-dev qt6-websockets-dev qt6-multimedia-dev
     qt6-image-formats-plugins qt6-svg-dev qt6-qpa-plugins libxcb1-dev libsodium-dev
     libgtest-dev libbenchmark-dev xvfb xauth xdotool x11-utils x11-apps netpbm
     dbus at-spi2-core python3-pyatspi gir1.2-atspi-2.0 openbox iproute2

@@ -13,8 +13,11 @@
 #include "server/store/passwordhash.h"
 #include "server/store/statsstore.h"
 #include "server/web/avatarpages.h"
+#include "server/web/livelobby.h"
+#include "server/web/pagestores.h"
 #include "server/web/publisheddownload.h"
 #include "server/web/statspages.h"
+#include "server/web/webroutes.h"
 #include "server/web/webserver.h"
 
 #include <QCoreApplication>
@@ -56,11 +59,16 @@ int runLobby(const server::ServerOptions &options, QTextStream &out, QTextStream
         shown = QLatin1Char('[') + shown + QLatin1Char(']');
     out << "lobby listening on " << shown << ':' << lobby.serverPort() << Qt::endl;
     // The lobby runs without its pages rather than not at all (port 80 needs privileges).
-    server::WebServer web;
-    server::PublishedDownload(options.publishFile).addRoutes(web.http());
-    const server::AvatarPages avatars(web);
-    const server::StatsPages pages(lobby.lobby(), lobby.rooms(), accounts, stats);
-    pages.addRoutes(web);
+    // The pages run in the web server's thread: they see the lobby as a snapshot renewed every
+    // second and read the database through connections of their own.
+    server::LiveLobby live(lobby.lobby(), lobby.rooms());
+    server::PageStores pageStores(options.databasePath);
+    server::WebRoutes routes;
+    server::PublishedDownload(options.publishFile).addRoutes(routes);
+    server::AvatarPages::addRoutes(routes);
+    server::StatsPages pages(live, pageStores);
+    pages.addRoutes(routes);
+    server::WebServer web(routes, options.web);
     if (web.listen(options.listenAddress, options.httpPort)) {
         rounds.setWebPort(web.serverPort());
         out << "web listening on " << shown << ':' << web.serverPort() << Qt::endl;

@@ -154,10 +154,13 @@ TestLobby::TestLobby(server::LobbyConfig config, server::HashCost cost) : cost(c
     rounds = std::make_unique<server::RoundAnnouncer>(server->rooms());
     statsHandler = std::make_unique<server::StatsHandler>(stats, server->limits(), rounds.get());
     statsHandler->registerWith(server->router());
-    pages = std::make_unique<server::StatsPages>(server->lobby(), server->rooms(), accounts, stats);
-    pages->addRoutes(web);
-    web.listen(QHostAddress::LocalHost, 0);
-    rounds->setWebPort(web.serverPort());
+    live = std::make_unique<server::LiveLobby>(server->lobby(), server->rooms());
+    pageStores = std::make_unique<server::PageStores>(database.handle().databaseName());
+    pages = std::make_unique<server::StatsPages>(*live, *pageStores);
+    pages->addRoutes(routes);
+    web = std::make_unique<server::WebServer>(routes);
+    web->listen(QHostAddress::LocalHost, 0);
+    rounds->setWebPort(web->serverPort());
 }
 
 int TestLobby::addAccount(const QString &name, const QString &password, const QString &email)
@@ -203,7 +206,8 @@ bool TestLobby::sync(TestClient *via)
 
 WebReply TestLobby::fetch(const QString &pathAndQuery)
 {
-    return webGet(QStringLiteral("http://127.0.0.1:%1%2").arg(web.serverPort()).arg(pathAndQuery));
+    live->publish();
+    return webGet(QStringLiteral("http://127.0.0.1:%1%2").arg(web->serverPort()).arg(pathAndQuery));
 }
 
 bool TestLobby::lockDatabase()
@@ -226,6 +230,7 @@ bool TestLobby::unlockDatabase()
 
 TestLobby::~TestLobby()
 {
+    web->stop();                 // before the pages it calls
     if (!m_lockHolder.isEmpty()) // a test that failed while holding it
         unlockDatabase();
 }

@@ -14,7 +14,10 @@
 #include "server/store/diagnosticstore.h"
 #include "server/store/passwordhash.h"
 #include "server/store/statsstore.h"
+#include "server/web/livelobby.h"
+#include "server/web/pagestores.h"
 #include "server/web/statspages.h"
+#include "server/web/webroutes.h"
 #include "server/web/webserver.h"
 #include "support/serverprocess.h"
 #include "support/wait.h"
@@ -154,7 +157,7 @@ public:
     // on first, so a test of the chat limit cannot use it.
     bool sync(TestClient *via);
 
-    // GET `pathAndQuery` ("/?p=stats&id=3") from the web pages.
+    // GET `pathAndQuery` ("/?p=stats&id=3") from the web pages, which see the lobby as it is.
     WebReply fetch(const QString &pathAndQuery);
 
     // Plays another process (an admin command, a backup) that takes the database's write lock
@@ -174,8 +177,11 @@ public:
     server::StatsStore stats{database};
     std::unique_ptr<server::RoundAnnouncer> rounds;
     std::unique_ptr<server::StatsHandler> statsHandler;
-    server::WebServer web;
+    std::unique_ptr<server::LiveLobby> live;
+    std::unique_ptr<server::PageStores> pageStores;
+    server::WebRoutes routes;
     std::unique_ptr<server::StatsPages> pages;
+    std::unique_ptr<server::WebServer> web;
 
 private:
     std::vector<std::unique_ptr<TestClient>> m_clients; // closed before the server goes

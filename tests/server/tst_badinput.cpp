@@ -38,6 +38,7 @@ private Q_SLOTS:
         client.connectToHost(QHostAddress::LocalHost, listener.serverPort());
         QVERIFY(listener.waitForNewConnection(5000));
         server::Connection connection(listener.nextPendingConnection());
+        connection.setMaxUnsent(8 * 1024 * 1024); // all of it may wait
         QByteArray expected;
         for (int i = 0; expected.size() < 4 * 1024 * 1024; ++i) {
             const QByteArray piece = QByteArray::number(i).repeated(1 + i % 700);

@@ -304,7 +304,7 @@ private Q_SLOTS:
         const QString line =
             QStringLiteral("QUORVEL: Team Survival on Oil Refinery, most kills: Bert 2, Eve 1, "
                            "Anna 0 - http://127.0.0.1:%1%2")
-                .arg(lobby.web.serverPort())
+                .arg(lobby.web->serverPort())
                 .arg(path);
         for (TestClient *member : {anna, bert})
             QCOMPARE(member->fields(Code::RoomChat), Rows{{line}});

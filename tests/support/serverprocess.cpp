@@ -2,10 +2,12 @@
 
 #include "wait.h"
 
+#include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QRegularExpression>
 #include <memory>
+#include <sys/resource.h>
 
 bool ServerProcess::start(const QString &program, const QStringList &arguments)
 {
@@ -17,6 +19,12 @@ bool ServerProcess::start(const QString &program, const QStringList &arguments)
     const bool lobby = program == kLobbyServer;
     if (lobby && !args.contains(QStringLiteral("--http-port")))
         args << QStringLiteral("--http-port") << QStringLiteral("0");
+    if (const int descriptors = m_descriptorLimit; descriptors > 0) {
+        m_process.setChildProcessModifier([descriptors] {
+            const rlimit limit{rlim_t(descriptors), rlim_t(descriptors)};
+            setrlimit(RLIMIT_NOFILE, &limit);
+        });
+    }
     m_process.start(program, args);
     QByteArray out;
     QByteArray err;
@@ -37,6 +45,15 @@ bool ServerProcess::start(const QString &program, const QStringList &arguments)
     if (lobby)
         m_webPort = port.match(QString::fromUtf8(said.value(1))).captured(1).toUShort();
     return m_port != 0;
+}
+
+qint64 ServerProcess::residentKb() const
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(m_process.processId()));
+    if (m_process.state() != QProcess::Running || !status.open(QIODevice::ReadOnly))
+        return 0;
+    static const QRegularExpression rss(QStringLiteral("VmRSS:\\s*(\\d+)"));
+    return rss.match(QString::fromLatin1(status.readAll())).captured(1).toLongLong();
 }
 
 void ServerProcess::killHard()

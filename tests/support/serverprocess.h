@@ -31,6 +31,10 @@ public:
     bool start(const QString &program, const QStringList &arguments);
     quint16 port() const { return m_port; }
     quint16 webPort() const { return m_webPort; } // the lobby server's web pages, 0 if none
+    // Its resident size now, in KiB; 0 when it is not running.
+    qint64 residentKb() const;
+    // Started with at most this many descriptors (soft and hard), for the next start().
+    void setDescriptorLimit(int count) { m_descriptorLimit = count; }
     // The body of a web page of the server (`pathAndQuery` as "/?p=stats&id=3"); empty when
     // it did not come within 10 s or was not found.
     QString webPage(const QString &pathAndQuery) const;
@@ -48,4 +52,5 @@ private:
     QProcess m_process;
     quint16 m_port = 0;
     quint16 m_webPort = 0;
+    int m_descriptorLimit = 0;
 };

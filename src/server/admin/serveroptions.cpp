@@ -39,6 +39,14 @@ const QString kUsage = QStringLiteral(
     "                           cheap to guess\n"
     "  --max-connections N      connections held at once (default 20000)\n"
     "  --max-connections-per-address N  from one address (default 32)\n"
+    "  --max-unsent KB          a lobby client with more than this waiting to be sent to it\n"
+    "                           is dropped as not reading (default 256)\n"
+    "  --web-connections N      web connections held at once (default 256, and at most a\n"
+    "                           quarter of the process's descriptor limit)\n"
+    "  --web-connections-per-address N  from one address (default 16)\n"
+    "  --web-timeout S          seconds a web connection may stay idle (default 15)\n"
+    "  --web-memory KB          buffers of one web connection (default 16); a request line\n"
+    "                           or headers beyond about half of it are answered 414 or 431\n"
     "  --log-level L            debug, info, warning or error (default info)\n"
     "  --help                   this text\n");
 
@@ -109,13 +117,28 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
     const auto valueOption = [](const char *name) {
         return QCommandLineOption(QString::fromLatin1(name), QString(), QStringLiteral("value"));
     };
-    parser.addOptions({valueOption("listen"), valueOption("port"), valueOption("http-port"),
-                       valueOption("db"), valueOption("publish"), valueOption("versions"),
-                       valueOption("registration"), valueOption("login-timeout"),
-                       valueOption("idle-timeout"), valueOption("hash-cost"), valueOption("email"),
-                       valueOption("colour"), valueOption("log-level"),
-                       valueOption("max-connections"), valueOption("max-connections-per-address"),
-                       valueOption("registration-per-hour"), valueOption("web-address"),
+    parser.addOptions({valueOption("listen"),
+                       valueOption("port"),
+                       valueOption("http-port"),
+                       valueOption("db"),
+                       valueOption("publish"),
+                       valueOption("versions"),
+                       valueOption("registration"),
+                       valueOption("login-timeout"),
+                       valueOption("idle-timeout"),
+                       valueOption("hash-cost"),
+                       valueOption("email"),
+                       valueOption("colour"),
+                       valueOption("log-level"),
+                       valueOption("max-connections"),
+                       valueOption("max-connections-per-address"),
+                       valueOption("max-unsent"),
+                       valueOption("web-connections"),
+                       valueOption("web-connections-per-address"),
+                       valueOption("web-timeout"),
+                       valueOption("web-memory"),
+                       valueOption("registration-per-hour"),
+                       valueOption("web-address"),
                        QCommandLineOption(QStringLiteral("help"))});
     if (!parser.parse(arguments))
         return OptionsError{parser.errorText() + QLatin1Char('\n') + kUsage};
@@ -194,6 +217,8 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
     for (const auto &[name, target] :
          {std::pair{"max-connections", &options.lobby.maxConnections},
           std::pair{"max-connections-per-address", &options.lobby.maxConnectionsPerAddress},
+          std::pair{"web-connections", &options.web.maxConnections},
+          std::pair{"web-connections-per-address", &options.web.maxConnectionsPerAddress},
           std::pair{"registration-per-hour", &options.lobby.registrationsPerHour}}) {
         const QString key = QString::fromLatin1(name);
         if (!parser.isSet(key))
@@ -213,6 +238,27 @@ ParsedCommandLine parseCommandLine(const QStringList &arguments)
         if (!ms)
             return OptionsError{QStringLiteral("--%1 takes seconds above 0").arg(key)};
         *target = *ms;
+    }
+    if (parser.isSet(QStringLiteral("web-timeout"))) {
+        const std::optional<int> ms = parseSeconds(parser.value(QStringLiteral("web-timeout")));
+        if (!ms || *ms < 1000)
+            return OptionsError{QStringLiteral("--web-timeout takes whole seconds above 0")};
+        options.web.timeoutSeconds = *ms / 1000;
+    }
+    // Kilobytes: at least 4 (a request line and a few headers), at most 1 GiB.
+    for (const auto &[name, minimum] : {std::pair{"max-unsent", 4}, std::pair{"web-memory", 4}}) {
+        const QString key = QString::fromLatin1(name);
+        if (!parser.isSet(key))
+            continue;
+        bool ok = false;
+        const int kb = parser.value(key).toInt(&ok);
+        if (!ok || kb < minimum || kb > 1024 * 1024)
+            return OptionsError{
+                QStringLiteral("--%1 takes kilobytes %2..1048576").arg(key).arg(minimum)};
+        if (key == QLatin1String("max-unsent"))
+            options.lobby.maxUnsentBytes = qint64(kb) * 1024;
+        else
+            options.web.memoryPerConnection = kb * 1024;
     }
     return options;
 }

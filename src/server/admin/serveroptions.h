@@ -2,6 +2,7 @@
 
 #include "server/lobby/lobbyconfig.h"
 #include "server/store/passwordhash.h"
+#include "server/web/weblimits.h"
 
 #include <QHostAddress>
 #include <QString>
@@ -21,6 +22,7 @@ struct ServerOptions
     QString publishFile; // the client program offered for updates; empty: none
     QString webAddress;  // the pages as players reach them, for links; empty: as they reached us
     LobbyConfig lobby;
+    WebLimits web;
     HashCost hashCost = HashCost::Standard;    // of the passwords registered while it runs
     QString logLevel = QStringLiteral("info"); // debug, info, warning or error
 };

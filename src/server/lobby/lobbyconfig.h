@@ -14,6 +14,8 @@ struct LobbyConfig
     int idleTimeoutMs = 95'000;        // a logged-in connection silent this long is closed
     int maxConnectionsPerAddress = 32; // further connections from one address are closed
     int maxConnections = 20'000;       // and beyond this many in all
+    // A client with more than this waiting to be sent to it is dropped (it does not read).
+    qint64 maxUnsentBytes = 256 * 1024;
     // Password checks waiting at once; more are refused. Per address they are bounded by the
     // connections, each of which has at most one login open.
     int maxQueuedLogins = 4096;

@@ -56,6 +56,7 @@ void LobbyServer::acceptConnections()
 void LobbyServer::accept(QTcpSocket *socket)
 {
     auto *connection = new Connection(socket);
+    connection->setMaxUnsent(m_config.maxUnsentBytes);
     const QString address = connection->peerAddress();
     if (!mayConnect(address)) {
         connection->setParent(this);

@@ -52,10 +52,13 @@ void Connection::send(const QByteArray &bytes)
     if (m_closing || !m_socket->isOpen())
         return;
     const qint64 unsent = m_socket->bytesToWrite();
-    if (unsent + bytes.size() > kMaxUnsent) {
+    if (unsent > 0 && unsent + bytes.size() > m_maxUnsent) {
         // A client that does not read would otherwise hold any amount of the server's memory.
+        // What the kernel takes at once is not counted, so one big answer to a reading client
+        // (a welcome to a full lobby) passes.
         m_closing = true;
         m_socket->abort();
+        Q_EMIT unsentOverflow(unsent);
         QMetaObject::invokeMethod(this, &Connection::finish, Qt::QueuedConnection);
         return;
     }

@@ -14,7 +14,8 @@ namespace server {
 // One client's lobby socket: cuts the byte stream into messages, sends bytes, and enforces
 // the limits that protect the server from one client: a pending message may not grow past
 // 64 KiB without its terminator, a client that stops reading may not make the server queue
-// more than kMaxUnsent bytes, and an optional silence limit closes a quiet connection.
+// more than maxUnsent() bytes beyond what the kernel holds (it is dropped, and says so once
+// with unsentOverflow()), and an optional silence limit closes a quiet connection.
 //
 // closed() is always emitted from the event loop, never from inside send() or a handler, so
 // a caller that walks a list of connections while sending never sees one vanish.
@@ -24,12 +25,14 @@ class Connection : public QObject
 
 public:
     static constexpr qsizetype kMaxPending = 64 * 1024;
-    static constexpr qint64 kMaxUnsent = 8 * 1024 * 1024;
+    static constexpr qint64 kDefaultMaxUnsent = 256 * 1024;
 
     // Takes ownership of the connected socket.
     Connection(QTcpSocket *socket, QObject *parent = nullptr);
 
     void send(const QByteArray &bytes);
+    qint64 maxUnsent() const { return m_maxUnsent; }
+    void setMaxUnsent(qint64 bytes) { m_maxUnsent = bytes; }
     // Sends what is queued, then closes. Nothing more is read or sent.
     void closeAfterFlush();
     bool isClosing() const { return m_closing; }
@@ -47,6 +50,8 @@ Q_SIGNALS:
     // A complete message with exactly its field count; short messages are not emitted.
     void messageReceived(const protocol::Message &message);
     void closed();
+    // The client was dropped for not reading: `unsent` bytes waited for it.
+    void unsentOverflow(qint64 unsent);
 
 private:
     void readAvailable();
@@ -57,6 +62,7 @@ private:
     QTimer m_silence;
     QString m_peerAddress;
     QString m_localAddress;
+    qint64 m_maxUnsent = kDefaultMaxUnsent;
     bool m_closing = false;
     bool m_finished = false;
 };

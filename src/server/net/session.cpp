@@ -1,5 +1,6 @@
 #include "server/net/session.h"
 
+#include "server/core/serverlog.h"
 #include "server/net/connection.h"
 
 namespace server {
@@ -18,6 +19,10 @@ Session::Session(Connection *connection, QObject *parent)
     m_connection->setParent(this);
     m_loginDeadline.setSingleShot(true);
     connect(&m_loginDeadline, &QTimer::timeout, this, &Session::loginDeadlinePassed);
+    connect(m_connection, &Connection::unsentOverflow, this, [this](qint64 unsent) {
+        qCWarning(lcLobby).noquote()
+            << sessionTag(*this) << "dropped: does not read," << unsent << "bytes wait for it";
+    });
 }
 
 void Session::send(const QByteArray &bytes) const

@@ -160,6 +160,26 @@ bool Database::open(const QString &path, int busyTimeoutMs)
     return migrate() && check(path);
 }
 
+bool Database::openReadOnly(const QString &path, int busyTimeoutMs)
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    db.setDatabaseName(path);
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+    if (!db.open()) {
+        m_error = db.lastError().text();
+        return false;
+    }
+    if (!exec(QStringLiteral("PRAGMA busy_timeout = %1").arg(busyTimeoutMs)))
+        return false;
+    QSqlQuery version(handle());
+    if (!version.exec(QStringLiteral("PRAGMA user_version")) || !version.next() ||
+        version.value(0).toInt() != kSchemaVersion) {
+        m_error = QStringLiteral("%1 does not hold this server's tables").arg(path);
+        return false;
+    }
+    return true;
+}
+
 bool Database::check(const QString &path)
 {
     QSqlQuery query(handle());

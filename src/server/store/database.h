@@ -30,6 +30,10 @@ public:
     // including a file written by a newer server.
     // `busyTimeoutMs`: how long a statement waits for another process's lock before failing.
     bool open(const QString &path, int busyTimeoutMs = 5000);
+    // A reader beside the server's writer (the web pages): the file must exist with this
+    // server's schema; nothing is created, migrated or written. Usable from the thread that
+    // opened it only, as every QtSql connection.
+    bool openReadOnly(const QString &path, int busyTimeoutMs = 1000);
     QString errorString() const { return m_error; }
 
     QSqlDatabase handle() const { return QSqlDatabase::database(m_connectionName, false); }

@@ -1,14 +1,11 @@
 #include "server/web/avatarpages.h"
 
-#include "server/web/webserver.h"
+#include "server/web/webroutes.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
-#include <QHttpServerRequest>
-#include <QHttpServerResponse>
 #include <QPainter>
 #include <QRegularExpression>
-#include <QUrlQuery>
 
 namespace server {
 
@@ -24,20 +21,28 @@ bool isServedHash(const QString &hash)
 
 } // namespace
 
-AvatarPages::AvatarPages(WebServer &web)
+void AvatarPages::addRoutes(WebRoutes &routes)
 {
-    web.http().route(QStringLiteral("/avatar/<arg>"), [](const QString &file,
-                                                         const QHttpServerRequest &request) {
+    const QString prefix = QStringLiteral("/avatar/");
+    routes.addPrefix(prefix, [prefix](const WebRequest &request) {
+        const QString file = request.path.mid(prefix.size());
         const QString suffix = QStringLiteral(".jpg");
         const QString hash = file.endsWith(suffix) ? file.chopped(suffix.size()) : QString();
         bool ok = false;
-        int side = QUrlQuery(request.url()).queryItemValue(QStringLiteral("s")).toInt(&ok);
-        if (!ok)
-            side = kDefaultSide;
-        const QByteArray picture = jpeg(hash, std::clamp(side, 1, kMaxSide));
-        if (picture.isEmpty())
-            return QHttpServerResponse(QHttpServerResponder::StatusCode::NotFound);
-        return QHttpServerResponse(QByteArrayLiteral("image/jpeg"), picture);
+        int side = request.query.queryItemValue(QStringLiteral("s")).toInt(&ok);
+        side = ok ? std::clamp(side, 1, kMaxSide) : kDefaultSide;
+        if (!isServedHash(hash))
+            return WebResponse::plainText(QByteArrayLiteral("No such picture.\n"), 404);
+        const QByteArray tag = '"' + hash.toLatin1() + '-' + QByteArray::number(side) + '"';
+        WebResponse response{200, QByteArrayLiteral("image/jpeg"), {}, {}, {}};
+        if (request.ifNoneMatch == tag || request.ifNoneMatch == "*")
+            response.status = 304;
+        else
+            response.body = jpeg(hash, side);
+        if (response.status == 200 && response.body.isEmpty())
+            return WebResponse::plainText(QByteArrayLiteral("No picture.\n"), 500);
+        return response.withHeader("ETag", tag)
+            .withHeader("Cache-Control", "public, max-age=86400");
     });
 }
 

@@ -1,34 +1,31 @@
 #include "server/web/publisheddownload.h"
 
+#include "server/web/webroutes.h"
+
 #include <QCryptographicHash>
 #include <QFile>
-#include <QHttpServer>
-#include <QHttpServerResponse>
 
 namespace server {
 
 namespace {
 
-QHttpServerResponse notFound()
+WebResponse notFound()
 {
-    return QHttpServerResponse(QByteArrayLiteral("text/plain; charset=utf-8"),
-                               QByteArrayLiteral("Nothing is published.\n"),
-                               QHttpServerResponse::StatusCode::NotFound);
+    return WebResponse::plainText(QByteArrayLiteral("Nothing is published.\n"), 404);
 }
 
 } // namespace
 
-void PublishedDownload::addRoutes(QHttpServer &http) const
+void PublishedDownload::addRoutes(WebRoutes &routes) const
 {
     const QString file = m_file;
-    http.route(QString::fromLatin1(kPath), [file] {
+    routes.add(QString::fromLatin1(kPath), [file](const WebRequest &) {
         if (file.isEmpty() || !QFile::exists(file))
             return notFound();
-        QHttpServerResponse response = QHttpServerResponse::fromFile(file);
-        response.setHeader(QByteArrayLiteral("Cache-Control"), QByteArrayLiteral("no-cache"));
-        return response;
+        WebResponse response{200, QByteArrayLiteral("application/octet-stream"), {}, file, {}};
+        return response.withHeader("Cache-Control", "no-cache");
     });
-    http.route(QString::fromLatin1(kPath) + QStringLiteral(".sha256"), [file] {
+    routes.add(QString::fromLatin1(kPath) + QStringLiteral(".sha256"), [file](const WebRequest &) {
         QFile published(file);
         if (file.isEmpty() || !published.open(QIODevice::ReadOnly))
             return notFound();
@@ -42,9 +39,7 @@ void PublishedDownload::addRoutes(QHttpServer &http) const
                 return notFound();
             line = hash.result().toHex() + "  quor_vel.exe\n";
         }
-        QHttpServerResponse response(QByteArrayLiteral("text/plain; charset=utf-8"), line);
-        response.setHeader(QByteArrayLiteral("Cache-Control"), QByteArrayLiteral("no-cache"));
-        return response;
+        return WebResponse::plainText(line).withHeader("Cache-Control", "no-cache");
     });
 }
 

@@ -1,15 +1,11 @@
 #include "server/web/statspages.h"
 
-#include "server/lobby/lobby.h"
-#include "server/lobby/roomregistry.h"
-#include "server/net/session.h"
 #include "server/store/accountstore.h"
 #include "server/store/statsstore.h"
 #include "server/web/html.h"
-#include "server/web/webserver.h"
+#include "server/web/livelobby.h"
+#include "server/web/pagestores.h"
 
-#include <QHttpServerRequest>
-#include <QHttpServerResponse>
 #include <QMap>
 #include <QRegularExpression>
 #include <QUrlQuery>
@@ -20,8 +16,6 @@ using html::figure;
 using html::text;
 
 namespace {
-
-const QByteArray kHtml = QByteArrayLiteral("text/html; charset=utf-8");
 
 QString playerLink(int id, const QString &name)
 {
@@ -82,30 +76,25 @@ QString roundSection(const StoredRound &round)
 
 } // namespace
 
-StatsPages::StatsPages(const Lobby &lobby, const RoomRegistry &rooms, const AccountStore &accounts,
-                       const StatsStore &stats)
-    : m_lobby(lobby), m_rooms(rooms), m_accounts(accounts), m_stats(stats)
+StatsPages::StatsPages(const LiveLobby &live, PageStores &stores) : m_live(live), m_stores(stores)
 {
 }
 
-void StatsPages::addRoutes(WebServer &web) const
+void StatsPages::addRoutes(WebRoutes &routes)
 {
-    web.http().route(QStringLiteral("/"), QHttpServerRequest::Method::Get,
-                     [this](const QHttpServerRequest &request) { return answer(request); });
+    routes.add(QStringLiteral("/"), [this](const WebRequest &request) { return answer(request); });
 }
 
-QHttpServerResponse StatsPages::answer(const QHttpServerRequest &request) const
+WebResponse StatsPages::answer(const WebRequest &request)
 {
-    const QUrlQuery query(request.url());
     std::optional<QByteArray> page;
-    if (query.isEmpty())
+    if (request.query.isEmpty())
         page = frontPage();
-    else if (query.queryItemValue(QStringLiteral("p")) == QLatin1String("stats"))
-        page = playerPage(query.queryItemValue(QStringLiteral("id")));
+    else if (request.query.queryItemValue(QStringLiteral("p")) == QLatin1String("stats"))
+        page = playerPage(request.query.queryItemValue(QStringLiteral("id")));
     if (!page)
-        return QHttpServerResponse(kHtml, notFoundPage(),
-                                   QHttpServerResponder::StatusCode::NotFound);
-    return QHttpServerResponse(kHtml, *page);
+        return WebResponse::html(notFoundPage(), 404);
+    return WebResponse::html(*page).withHeader("Cache-Control", kCacheControl);
 }
 
 QByteArray StatsPages::notFoundPage()
@@ -116,30 +105,32 @@ QByteArray StatsPages::notFoundPage()
                                                        "<a href=\"/\">The lobby</a>")));
 }
 
-std::optional<QByteArray> StatsPages::playerPage(const QString &idText) const
+std::optional<QByteArray> StatsPages::playerPage(const QString &idText)
 {
     static const QRegularExpression digits(QStringLiteral("^[0-9]{1,9}$"));
-    if (!digits.match(idText).hasMatch())
+    const AccountStore *accounts = m_stores.accounts();
+    const StatsStore *stats = m_stores.stats();
+    if (!digits.match(idText).hasMatch() || !accounts || !stats)
         return std::nullopt;
-    const std::optional<Account> account = m_accounts.findById(idText.toInt());
+    const std::optional<Account> account = accounts->findById(idText.toInt());
     if (!account)
         return std::nullopt;
     const int id = account->id;
 
     QString body = heading(1, text(account->name));
-    if (const Session *session = m_lobby.findByAccount(id))
-        body += paragraph(QStringLiteral("Online now, ") +
-                          presenceText(session->player().presence) + QStringLiteral("."));
+    if (const LobbySnapshot::Player *online = m_live.current()->findByAccount(id))
+        body += paragraph(QStringLiteral("Online now, ") + presenceText(online->presence) +
+                          QStringLiteral("."));
     else
         body += paragraph(QStringLiteral("Not online."));
-    const std::optional<QDateTime> reset = m_stats.lastReset(id);
+    const std::optional<QDateTime> reset = stats->lastReset(id);
     body += paragraph(reset ? QStringLiteral("Figures since the reset of ") + timeText(*reset) +
                                   QStringLiteral(".")
                             : QStringLiteral("Figures of every round uploaded."),
                       QStringLiteral("muted"));
 
     body += heading(2, QStringLiteral("Rounds"));
-    const QList<GameTypeTotals> totals = m_stats.totalsByGameType(id);
+    const QList<GameTypeTotals> totals = stats->totalsByGameType(id);
     if (totals.isEmpty()) {
         body += paragraph(QStringLiteral("No rounds yet."));
     } else {
@@ -162,25 +153,35 @@ std::optional<QByteArray> StatsPages::playerPage(const QString &idText) const
                             rows);
 
         body += heading(2, QStringLiteral("Recent rounds"));
-        for (const StoredRound &round : m_stats.recentRounds(id, kRecentRounds))
+        for (const StoredRound &round : stats->recentRounds(id, kRecentRounds))
             body += roundSection(round);
     }
     body += paragraph(QStringLiteral("<a href=\"/\">The lobby</a>"));
     return html::document(account->name + QStringLiteral(": statistics"), body);
 }
 
-QByteArray StatsPages::frontPage() const
+QByteArray StatsPages::frontPage()
+{
+    std::shared_ptr<const LobbySnapshot> live = m_live.current();
+    const QMutexLocker lock(&m_frontMutex);
+    if (m_frontOf != live) {
+        m_front = buildFrontPage(*live);
+        m_frontOf = std::move(live);
+    }
+    return m_front;
+}
+
+QByteArray StatsPages::buildFrontPage(const LobbySnapshot &live)
 {
     QString body = heading(1, QStringLiteral("QUORVEL lobby"));
 
-    const QList<Session *> &sessions = m_lobby.sessions();
-    body += heading(2, QStringLiteral("Online (%1)").arg(sessions.size()));
-    if (sessions.isEmpty()) {
+    const QList<LobbySnapshot::Player> &players = live.players;
+    body += heading(2, QStringLiteral("Online (%1)").arg(players.size()));
+    if (players.isEmpty()) {
         body += paragraph(QStringLiteral("Nobody is online."));
     } else {
         QString list = QStringLiteral("<ul>\n");
-        for (const Session *session : sessions) {
-            const Player &player = session->player();
+        for (const LobbySnapshot::Player &player : players) {
             list += QStringLiteral("<li>") + playerLink(player.accountId, player.name) +
                     QStringLiteral(" <span class=\"muted\">") + presenceText(player.presence) +
                     QStringLiteral("</span></li>\n");
@@ -188,19 +189,16 @@ QByteArray StatsPages::frontPage() const
         body += list + QStringLiteral("</ul>\n");
     }
 
-    const auto &rooms = m_rooms.rooms();
-    body += heading(2, QStringLiteral("Open rooms (%1)").arg(rooms.size()));
-    if (rooms.empty()) {
+    body += heading(2, QStringLiteral("Open rooms (%1)").arg(live.rooms.size()));
+    if (live.rooms.empty()) {
         body += paragraph(QStringLiteral("No rooms."));
     } else {
         QList<QStringList> rows;
-        for (const auto &room : rooms) {
-            rows.append(
-                {text(room->name), playerLink(room->host->player().accountId, room->hostName),
-                 QString::number(room->members.size()),
-                 room->status == protocol::RoomStatus::InGame ? QStringLiteral("In game")
-                                                              : QStringLiteral("In chat"),
-                 room->password.isEmpty() ? QStringLiteral("open") : QStringLiteral("locked")});
+        for (const LobbySnapshot::Room &room : live.rooms) {
+            rows.append({text(room.name), playerLink(room.hostId, room.hostName),
+                         QString::number(room.members),
+                         room.inGame ? QStringLiteral("In game") : QStringLiteral("In chat"),
+                         room.locked ? QStringLiteral("locked") : QStringLiteral("open")});
         }
         body +=
             html::table({QStringLiteral("Room"), QStringLiteral("Host"), QStringLiteral("Players"),
@@ -210,8 +208,7 @@ QByteArray StatsPages::frontPage() const
 
     // Players in the same game report the same game address; the address itself stays private.
     QMap<QString, QStringList> games;
-    for (const Session *session : sessions) {
-        const Player &player = session->player();
+    for (const LobbySnapshot::Player &player : players) {
         if (player.presence == protocol::Presence::Playing && !player.gameAddress.isEmpty())
             games[player.gameAddress].append(playerLink(player.accountId, player.name));
     }
@@ -227,7 +224,9 @@ QByteArray StatsPages::frontPage() const
     }
 
     body += heading(2, QStringLiteral("Leaderboard"));
-    const QList<LeaderboardRow> leaders = m_stats.leaderboard(kLeaderboardRows);
+    const StatsStore *stats = m_stores.stats();
+    const QList<LeaderboardRow> leaders =
+        stats ? stats->leaderboard(kLeaderboardRows) : QList<LeaderboardRow>();
     if (leaders.isEmpty()) {
         body += paragraph(QStringLiteral("No rounds recorded yet."));
     } else {
