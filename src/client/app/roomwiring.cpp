@@ -7,6 +7,7 @@
 #include "client/game/gamerowmenu.h"
 #include "client/game/ingamedetection.h"
 #include "client/game/launchsites.h"
+#include "client/lobby/logincontroller.h"
 #include "client/rooms/frmmakeroom.h"
 #include "client/rooms/frmroom.h"
 #include "client/rooms/roomlisthandlers.h"
@@ -80,6 +81,7 @@ void wireRooms(AppParts &p)
     // A double click or Enter on a row joins it; on a full game the user may rather wait for
     // room.
     GameRowMenu *gameRows = p.gameRowMenu;
+    QObject::connect(session, &RoomSession::refused, p.login, &LoginController::noteRefusal);
     QObject::connect(p.form->ListView1, &QAbstractItemView::activated, session,
                      [session, gameRows](const QModelIndex &index) {
                          if (session->canCreateOrJoin() &&

@@ -37,17 +37,26 @@ LoginController::LoginController(LobbyConnection &connection, LobbyDispatcher &d
         m_connection.send(protocol::Login{credentials.name, credentials.password});
     });
     dispatcher.on<protocol::LoginAccepted>([this](const protocol::LoginAccepted &accepted) {
+        m_refusal.clear();
         m_session.lobbyStatsId = accepted.statsId.text;
         Q_EMIT statsIdReceived(m_session.lobbyStatsId);
         Q_EMIT statusLine(QStringLiteral("Connected"));
         m_session.setOnline(true);
     });
     dispatcher.on<protocol::LoginFailed>([this](const protocol::LoginFailed &) {
-        Q_EMIT statusLine(QStringLiteral("Wrong name or password"));
+        Q_EMIT statusLine(m_refusal.isEmpty() ? QStringLiteral("Wrong name or password")
+                                              : m_refusal);
+        m_refusal.clear();
         // Closing from this side raises no drop, so nothing reconnects.
         m_connection.close();
     });
     dispatcher.on<protocol::OldVersion>([this](const protocol::OldVersion &) { onOldVersion(); });
+}
+
+void LoginController::noteRefusal(const QString &reason)
+{
+    if (!m_session.isOnline())
+        m_refusal = reason;
 }
 
 void LoginController::autoLogin()

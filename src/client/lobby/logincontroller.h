@@ -42,6 +42,10 @@ public:
     void picLogInClicked();
     void logOut();
 
+    // The server gave a reason for refusing something; one that comes while logging in (too
+    // many new accounts from this address) is why the login that follows fails.
+    void noteRefusal(const QString &reason);
+
 Q_SIGNALS:
     // A status line for the lobby chat.
     void statusLine(const QString &text);
@@ -70,6 +74,7 @@ private:
     EventSounds &m_sounds;
     QString m_credentialsPath;
     QTimer *m_tmrReconnet;
+    QString m_refusal; // the reason the server gave during this login, if any
 };
 
 } // namespace client

@@ -245,6 +245,7 @@ void RoomSession::onRoomRefused(const protocol::RoomRefused &message)
     if (!m_room.hostName.isEmpty())
         leave();
     m_dialogs.messageBox(applicationTitle(), message.reason);
+    Q_EMIT refused(message.reason);
 }
 
 void RoomSession::onWrongPassword()

@@ -77,6 +77,8 @@ public:
     void roomClosing(const QString &host);
 
 Q_SIGNALS:
+    // The server refused something with a reason: a room, or, while logging in, the login.
+    void refused(const QString &reason);
     void roomWindowShowRequested();
     // The room was left: the room window unloads.
     void roomWindowUnloadRequested();
