@@ -17,7 +17,9 @@
 #include "support/lobbyclient.h"
 
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
@@ -103,6 +105,11 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(ann.app.session().inGame && bob.app.session().inGame, 25000);
         QTRY_VERIFY_WITH_TIMEOUT(showsRound(ann.page(server)) && showsRound(bob.page(server)),
                                  30000);
+        // The room is told the round, with the address of a page that shows it.
+        static const QRegularExpression told("QUORVEL: Team Survival on Training Grounds, most "
+                                             "kills: .* - http://\\S+/\\?p=stats&id=\\d+");
+        for (Player *player : {&ann, &bob})
+            QTRY_VERIFY(told.match(player->room()->txtRoomChat->toPlainText()).hasMatch());
 
         // Once the games are over and ann's last log is read (and so sent before the reset on
         // the same connection), ann resets.
