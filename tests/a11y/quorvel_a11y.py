@@ -94,9 +94,10 @@ def start_lobby():
     return int(line.rsplit(":", 1)[1])
 
 
-def start_client(port, name):
+def start_client(port, name, told_lobby=True):
     """The client with a fresh data folder of its own whose game folder holds the game
-    stand-in, and no saved login: it starts with the login window, as a first start does."""
+    stand-in, and no saved login: it starts with the login window, as a first start does.
+    Not `told_lobby`, it does not know the lobby's address: the user types it."""
     home = os.path.join(_home, name)
     data = os.path.join(home, "data", "Quorvel")
     game = os.path.join(home, "RogueSpear")
@@ -113,9 +114,13 @@ def start_client(port, name):
                        WINEPREFIX=os.path.join(home, "wine"), QT_QPA_PLATFORM="xcb",
                        QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
     log = open(os.path.join(home, "client.log"), "w")
-    process = start([CLIENT, "--lobby", f"127.0.0.1:{port}"], env=environment, stdout=log,
-                    stderr=subprocess.STDOUT)
+    process = start([CLIENT] + (["--lobby", f"127.0.0.1:{port}"] if told_lobby else []),
+                    env=environment, stdout=log, stderr=subprocess.STDOUT)
     return wait_for("the client on the accessibility bus", lambda: application(process.pid))
+
+
+def data_folder(name):
+    return os.path.join(_home, name, "data", "Quorvel")
 
 
 def application(pid):

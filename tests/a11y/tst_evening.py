@@ -3,9 +3,10 @@ drives it: log in from the first-start login window, make a room, a second playe
 are ready, the game starts; then a private message through the player menu, and the lobby chat
 read back. Once with the controls' own actions, once with nothing but the keyboard."""
 
+import os
 import subprocess
 
-from quorvel_a11y import (Player, descendants, find, focused, keys, press, run, set_text,
+from quorvel_a11y import (Player, data_folder, descendants, find, focused, keys, press, run, set_text,
                           showing, start_client, start_lobby, text_of, type_text, wait_for,
                           window, window_named)
 
@@ -37,14 +38,23 @@ def tab_until(app, reached, what, limit=40):
 
 
 def end_game(player):
-    """The player quits the game: its stand-in ends as when he closes its window."""
-    subprocess.run(["pkill", "-f", f"/{player}/RogueSpear/roguespear.exe"], check=False)
+    """The player quits the game once it has played its first seconds (a game that ends in
+    them is a failed start): its stand-in ends as when he closes its window."""
+    pattern = f"/{player}/RogueSpear/roguespear.exe"
+
+    def seconds_running():
+        pids = subprocess.run(["pgrep", "-f", pattern], capture_output=True, text=True).stdout
+        ages = subprocess.run(["ps", "-o", "etimes=", "-p", ",".join(pids.split())],
+                              capture_output=True, text=True).stdout.split()
+        return ages and min(int(age) for age in ages) >= 5
+    wait_for("the game's first seconds", seconds_running)
+    subprocess.run(["pkill", "-f", pattern], check=False)
 
 
 def evening(keyboard):
     me = "ann" if keyboard else "amy"
     port = start_lobby()
-    app = start_client(port, me)
+    app = start_client(port, me, told_lobby=keyboard)
 
     login = window(app, "Login")
     if keyboard:
@@ -55,11 +65,16 @@ def evening(keyboard):
         type_text("pw")
         keys("Return")
     else:
+        # A first start that knows no lobby: its address is typed too, and kept.
+        set_text(find(login, "text", "Lobby server"), f"127.0.0.1:{port}")
         set_text(find(login, "text", "User name"), me)
         set_text(find(login, "password text", "Password"), "pw")
         press(find(login, "push button", "Login"))
     main = window(app, "QUORVEL")
     create = find(main, "push button", "Create room")
+    wait_for("the login told in the chat", lambda: "Connected" in text_of(find(main, None, "Lobby chat")))
+    with open(os.path.join(data_folder(me), "servers.ini")) as kept:
+        assert str(port) in kept.read(), "the lobby address is kept for the next start"
     # Logged in, the keyboard is in the chat box.
     wait_for("the chat box to have the keyboard",
              lambda: focused(app) is not None and focused(app).name == "Chat message")
