@@ -168,9 +168,11 @@ private Q_SLOTS:
         qputenv("WINEPREFIX", QFile::encodeName(m_prefix));
         const auto noPrefix = qScopeGuard([] { qunsetenv("WINEPREFIX"); });
         ServerProcess game;
-        QVERIFY(game.start(m_realWine, {m_folder + "/RogueSpear.exe", "-server", "0", "-bind",
-                                        "127.0.0.1", "-hostname", "Zoë's game", "-maxplayers", "8",
-                                        "-player", "Zoë:1:40", "-player", "Al:2:55"}));
+        QVERIFY(game.start(m_realWine,
+                           {m_folder + "/RogueSpear.exe", "-server", "0", "-bind", "127.0.0.1",
+                            "-hostname", "Zoë's game", "-maxplayers", "8", "-player", "Zoë:1:40",
+                            "-player", "Al:2:55"},
+                           60000)); // a Wine that is busy ending the last game starts slowly
         RoomListModel rooms;
         GameInfo info;
         SystemTickCount ticks;

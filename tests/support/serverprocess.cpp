@@ -9,7 +9,7 @@
 #include <memory>
 #include <sys/resource.h>
 
-bool ServerProcess::start(const QString &program, const QStringList &arguments)
+bool ServerProcess::start(const QString &program, const QStringList &arguments, int timeoutMs)
 {
     killHard();
     m_port = 0;
@@ -38,7 +38,7 @@ bool ServerProcess::start(const QString &program, const QStringList &arguments)
             return said >= lines || (said == 1 && !err.isEmpty()) ||
                    m_process.state() == QProcess::NotRunning;
         },
-        10000);
+        timeoutMs);
     static const QRegularExpression port(QStringLiteral("(\\d+)\\s*$"));
     const QList<QByteArray> said = out.split('\n');
     m_port = port.match(QString::fromUtf8(said.value(0))).captured(1).toUShort();

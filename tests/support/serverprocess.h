@@ -27,8 +27,8 @@ class ServerProcess
 {
 public:
     ~ServerProcess() { killHard(); }
-    // True once the program has said its port, within 10 s.
-    bool start(const QString &program, const QStringList &arguments);
+    // True once the program has said its port, within `timeoutMs`.
+    bool start(const QString &program, const QStringList &arguments, int timeoutMs = 10000);
     quint16 port() const { return m_port; }
     quint16 webPort() const { return m_webPort; } // the lobby server's web pages, 0 if none
     // Its resident size now, in KiB; 0 when it is not running.
