@@ -1,5 +1,6 @@
 #include "server/admin/admincommands.h"
 #include "server/admin/serveroptions.h"
+#include "server/admin/updatekey.h"
 #include "server/core/clock.h"
 #include "server/core/serverlog.h"
 #include "server/lobby/lobbyserver.h"
@@ -94,6 +95,8 @@ int main(int argc, char *argv[])
     QTextStream out(stdout);
     QTextStream err(stderr);
 
+    if (const std::optional<int> code = server::runUpdateKeyCommand(app.arguments(), out, err))
+        return *code;
     const server::ParsedCommandLine parsed = server::parseCommandLine(app.arguments());
     if (const auto *help = std::get_if<server::HelpRequest>(&parsed)) {
         out << help->text;

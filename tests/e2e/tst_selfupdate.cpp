@@ -1,8 +1,8 @@
 // A client the lobby finds too old updates itself from the lobby's web server, against the
 // real server and with real programs: the installed client runs its updater copy, which
 // replaces it with the published newer build and ends; the client then starts that, which
-// logs in. Downloads that
-// fail or do not match their checksum leave the installed client in place and running.
+// logs in. Downloads that fail, are not signed or are not signed with the key the client was built
+// with leave the installed client in place and running.
 // ctest: timeout=180
 #include "client/app/clientapplication.h"
 #include "client/presence/playerlistmodel.h"
@@ -10,12 +10,12 @@
 #include "client/update/selfupdate.h"
 #include "support/lobbyclient.h"
 
-#include <QCryptographicHash>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
 #include <csignal>
+#include <filesystem>
 
 using namespace client;
 
@@ -54,6 +54,20 @@ void endProgramsOf(const QString &program)
         ::kill(pid, SIGTERM);
 }
 
+// The secret of the key the client of this build trusts.
+const QString kDevelopmentKey =
+    QStringLiteral(QUORVEL_SOURCE_DIR "/tests/development-update-key.secret");
+
+// An admin command of the server program: its standard output, empty when it failed.
+QByteArray serverCommand(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(kLobbyServer, arguments);
+    const bool ok = process.waitForFinished(30000) &&
+                    process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    return ok ? process.readAllStandardOutput() : QByteArray();
+}
+
 // A lobby that accepts only "V 6.1" and publishes what `publish` holds, and a client installed
 // into a writable folder of its own, logging in automatically as "ann".
 struct Lobby
@@ -62,6 +76,13 @@ struct Lobby
     ServerProcess server;
     QString published = dir.filePath("published/quor_vel.exe");
     QString installed = dir.filePath("installed/quorvel");
+
+    // Publishes `program`, signed with the key in `keyFile` unless that is empty.
+    bool publish(const QByteArray &program, const QString &keyFile = kDevelopmentKey)
+    {
+        return writeFile(published, program) &&
+               (keyFile.isEmpty() || !serverCommand({"sign-update", keyFile, published}).isEmpty());
+    }
 
     bool start()
     {
@@ -89,7 +110,7 @@ private Q_SLOTS:
     {
         Lobby lobby;
         QVERIFY(lobby.start());
-        QVERIFY(QFile::copy(kNewerClient, lobby.published));
+        QVERIFY(lobby.publish(contents(kNewerClient)));
         const QByteArray oldProgram = contents(lobby.installed);
 
         AppHarness ann(lobby.servers(), {lobby.installed, false, {"--unattended"}});
@@ -139,7 +160,7 @@ private Q_SLOTS:
         Lobby lobby;
         QVERIFY(lobby.start());
         if (published)
-            QVERIFY(QFile::copy(kNewerClient, lobby.published));
+            QVERIFY(lobby.publish(contents(kNewerClient)));
         const auto endNewVersion = qScopeGuard([&] { endProgramsOf(lobby.installed); });
         qputenv("XDG_DATA_HOME", lobby.dir.filePath("xdg").toUtf8());
         writeUser(lobby.dir.filePath("xdg/Quorvel"), "ann", lobby.servers());
@@ -178,19 +199,24 @@ private Q_SLOTS:
     void failedUpdateKeepsThisVersion_data()
     {
         QTest::addColumn<QByteArray>("program");
-        QTest::addColumn<QByteArray>("checksum"); // published beside it; empty: computed
+        QTest::addColumn<QString>("signer");         // its key file; empty: not signed
+        QTest::addColumn<QByteArray>("replacement"); // published after signing; empty: none
         QTest::addColumn<QString>("told");
-        QByteArray newer = contents(kNewerClient);
-        const QByteArray sum = QCryptographicHash::hash(newer, QCryptographicHash::Sha256).toHex();
+        const QByteArray newer = contents(kNewerClient);
         QByteArray corrupted = newer;
         corrupted[corrupted.size() / 2] = char(corrupted[corrupted.size() / 2] ^ 0x55);
-        const QString mismatch = "the download does not match its published checksum";
+        const QString forged = "its signature does not verify";
 
         QTest::newRow("nothing published")
-            << QByteArray() << QByteArray() << "Something went wrong try later";
-        QTest::newRow("corrupted download") << corrupted << sum + "  quor_vel.exe\n" << mismatch;
-        QTest::newRow("not a program") << QByteArray("#!/nonexistent\n") << QByteArray()
-                                       << "the downloaded program does not run here";
+            << QByteArray() << QString() << QByteArray() << "Something went wrong try later";
+        QTest::newRow("unsigned") << newer << QString() << QByteArray()
+                                  << "the download is not signed";
+        // The server computes the checksum of what it publishes: it always matches.
+        QTest::newRow("signed with another key") << newer << "another" << QByteArray() << forged;
+        QTest::newRow("replaced after signing") << newer << kDevelopmentKey << corrupted << forged;
+        QTest::newRow("not a program")
+            << QByteArray("#!/nonexistent\n") << kDevelopmentKey << QByteArray()
+            << "the downloaded program does not run here";
     }
 
     // The copy started with "update" tells why, keeps the installed program, goes on as this
@@ -198,14 +224,24 @@ private Q_SLOTS:
     void failedUpdateKeepsThisVersion()
     {
         QFETCH(QByteArray, program);
-        QFETCH(QByteArray, checksum);
+        QFETCH(QString, signer);
+        QFETCH(QByteArray, replacement);
         QFETCH(QString, told);
         Lobby lobby;
         QVERIFY(lobby.start());
+        if (signer == "another") {
+            // A key of the operator's kind, made as the operator makes one, not the client's.
+            signer = lobby.dir.filePath("another.key");
+            QCOMPARE(serverCommand({"make-update-key", signer}).trimmed().size(), 64);
+            namespace fs = std::filesystem;
+            QCOMPARE(fs::status(signer.toStdString()).permissions(),
+                     fs::perms::owner_read | fs::perms::owner_write);
+            QVERIFY(serverCommand({"make-update-key", signer}).isEmpty()); // never replaced
+        }
         if (!program.isEmpty())
-            QVERIFY(writeFile(lobby.published, program));
-        if (!checksum.isEmpty())
-            QVERIFY(writeFile(lobby.published + ".sha256", checksum));
+            QVERIFY(lobby.publish(program, signer));
+        if (!replacement.isEmpty())
+            QVERIFY(writeFile(lobby.published, replacement));
         const QByteArray oldProgram = contents(lobby.installed);
 
         AppHarness ann(lobby.servers(), {lobby.installed, true, {}});

@@ -16,13 +16,13 @@ struct UpdateFiles
 
     QString folder() const { return QFileInfo(executable).absolutePath(); }
     QString download() const { return QDir(folder()).filePath(QStringLiteral("quor_vel.tmp")); }
-    QString checksum() const { return download() + QStringLiteral(".sha256"); }
+    QString signature() const { return download() + QStringLiteral(".sig"); }
     QString previous() const { return QDir(folder()).filePath(QStringLiteral("old.tmp")); }
     // Whether this user may replace the program without asking for administrator rights.
     bool folderWritable() const { return QFileInfo(folder()).isWritable(); }
 };
 
-// Where the lobby's web server publishes the current program, and its SHA-256 beside it.
+// Where the lobby's web server publishes the current program, and its signature beside it.
 inline QUrl updateUrl(const QString &webHost, quint16 webPort)
 {
     QUrl url;
@@ -33,10 +33,10 @@ inline QUrl updateUrl(const QString &webHost, quint16 webPort)
     return url;
 }
 
-inline QUrl checksumUrl(const QUrl &download)
+inline QUrl signatureUrl(const QUrl &download)
 {
     QUrl url = download;
-    url.setPath(url.path() + QStringLiteral(".sha256"));
+    url.setPath(url.path() + QStringLiteral(".sig"));
     return url;
 }
 

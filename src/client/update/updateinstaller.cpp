@@ -1,7 +1,7 @@
 #include "client/update/updateinstaller.h"
 
 #include "client/platform/filedownload.h"
-#include "client/update/checksum.h"
+#include "client/update/updatesignature.h"
 
 #include <QFile>
 #include <QProcess>
@@ -45,32 +45,35 @@ bool UpdateInstaller::download()
     if (!program.run(m_url, m_files.download()))
         return fail(program.errorString(), QStringLiteral("Something went wrong try later"));
 
-    FileDownload checksum(m_timeout);
-    if (!checksum.run(checksumUrl(m_url), m_files.checksum())) {
+    FileDownload signature(m_timeout);
+    if (!signature.run(signatureUrl(m_url), m_files.signature())) {
         QFile::remove(m_files.download());
-        return fail(
-            QStringLiteral("its checksum could not be fetched (%1)").arg(checksum.errorString()),
-            keptMessage(QStringLiteral("its checksum could not be fetched")));
+        QFile::remove(m_files.signature());
+        const QString reason = QStringLiteral("the download is not signed");
+        return fail(QStringLiteral("%1 (%2)").arg(reason, signature.errorString()),
+                    keptMessage(reason + QStringLiteral(", so it may not come from the lobby's "
+                                                        "operator")));
     }
     return true;
 }
 
 bool UpdateInstaller::verify()
 {
-    QFile checksumFile(m_files.checksum());
+    QFile signatureFile(m_files.signature());
     const QByteArray published =
-        checksumFile.open(QIODevice::ReadOnly) ? checksumFile.read(4096) : QByteArray();
-    checksumFile.close();
-    checksumFile.remove();
-    const std::optional<QByteArray> expected = parseSha256Line(published);
-    const std::optional<QByteArray> actual = sha256OfFile(m_files.download());
-    if (!expected || !actual || *expected != *actual) {
+        signatureFile.open(QIODevice::ReadOnly) ? signatureFile.read(4096) : QByteArray();
+    signatureFile.close();
+    signatureFile.remove();
+    // Only the signature is trusted: the program and anything else from the same host may have
+    // been replaced on the way.
+    if (!signatureVerifies(m_files.download(), published, buildUpdatePublicKey())) {
         QFile::remove(m_files.download());
-        const QString reason = QStringLiteral("the download does not match its published checksum");
-        return fail(reason, keptMessage(reason));
+        const QString reason = QStringLiteral("its signature does not verify");
+        return fail(reason, keptMessage(reason + QStringLiteral(", so it may not come from the "
+                                                                "lobby's operator")));
     }
 
-    // The checksum proves the file is what was published; this proves it runs here.
+    // The signature proves the file is the operator's; this proves it runs here.
     QFile::setPermissions(m_files.download(), QFile::permissions(m_files.executable) |
                                                   QFileDevice::ExeOwner | QFileDevice::ReadOwner);
     QProcess check;

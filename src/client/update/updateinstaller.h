@@ -10,7 +10,8 @@
 namespace client {
 
 // Installs a new version of the program over the installed one: downloads it beside the
-// program, checks it against the published SHA-256 and that it runs, keeps the installed
+// program, checks its published signature against the key built into this program and that it
+// runs, keeps the installed
 // program as "old.tmp" and renames the download over the program in one step. It starts
 // nothing: whoever runs it starts the new version. Whatever fails leaves the installed program
 // as it was.

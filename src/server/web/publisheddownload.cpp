@@ -41,6 +41,13 @@ void PublishedDownload::addRoutes(WebRoutes &routes) const
         }
         return WebResponse::plainText(line).withHeader("Cache-Control", "no-cache");
     });
+    // Only the key's holder can make a signature: it is never made here, only passed on.
+    routes.add(QString::fromLatin1(kPath) + QStringLiteral(".sig"), [file](const WebRequest &) {
+        QFile signature(file + QStringLiteral(".sig"));
+        if (file.isEmpty() || !signature.open(QIODevice::ReadOnly))
+            return notFound();
+        return WebResponse::plainText(signature.read(4096)).withHeader("Cache-Control", "no-cache");
+    });
 }
 
 } // namespace server

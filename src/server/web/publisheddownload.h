@@ -10,8 +10,10 @@ class WebRoutes;
 // /public/quorvel/quor_vel.exe is the file given with --publish, read afresh at each request so
 // that replacing the file publishes the new one; /public/quorvel/quor_vel.exe.sha256 is its
 // SHA-256 in "sha256sum" form, taken from FILE.sha256 when the publisher put one beside it and
-// computed otherwise. Both are 404 while no file is published. The program is sent from its
-// file by the web server, never held in memory, and is revalidated by browsers every time.
+// computed otherwise; /public/quorvel/quor_vel.exe.sig is FILE.sig, the signature made with
+// `sign-update`, 404 when there is none. All are 404 while no file is published. The program is
+// sent from its file by the web server, never held in memory, and is revalidated by browsers every
+// time.
 class PublishedDownload
 {
 public:
