@@ -31,7 +31,7 @@ ChatInput::ChatInput(QLineEdit *input, QAbstractButton *sendButton, SendRateGuar
                      Sender sender, Hint hint, QObject *parent)
     : QObject(parent), m_input(input), m_sendButton(sendButton), m_guard(guard),
       m_sender(std::move(sender)), m_waitTimer(new QTimer(this)),
-      m_sendToolTip(sendButton->toolTip()), m_hintShown(hint == Hint::Shown)
+      m_sendToolTip(sendButton->toolTip()), m_hintShown(hint == Hint::Shown), m_watched(input)
 {
     input->setToolTip(toolTipText());
     if (m_hintShown) {
@@ -104,7 +104,9 @@ void ChatInput::markUncarried()
 
 bool ChatInput::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_input)
+    // Compared as a plain object: the box may be part way through its destruction (the window
+    // that holds it goes first), when it is no longer a QLineEdit to look at.
+    if (watched != m_watched)
         return false;
     if (event->type() == QEvent::FocusIn && m_sendButton && m_hintShown) {
         m_hintShown = false;

@@ -63,6 +63,7 @@ private:
     QTimer *m_waitTimer;
     QString m_sendToolTip;
     bool m_hintShown;
+    const QObject *m_watched; // the box, for telling its events apart
 };
 
 } // namespace client
